@@ -1,0 +1,81 @@
+// The driver object: the lists, tables and flags that every part of the library works on.
+#ifndef DRIVER_MODBUS_RTU_MASTER_H
+#define DRIVER_MODBUS_RTU_MASTER_H
+
+#include "driver/records.h"
+
+#include <QMutex>
+
+#include <atomic>
+
+/// The list that the request on the line came from.
+enum RequestSource { SOURCE_CYCLIC = 0, SOURCE_WRITE = 1, SOURCE_ONCE = 2, SOURCE_NONE = 100 };
+
+/// What the reply to the read half of a read-modify-write needs to complete the write half. Kept
+/// apart from writeList, which other threads append to while the reply is being saved.
+struct PendingMerge {
+    bool active = false;
+    int varKind = 0;
+    int addr = 0;            // linear offset
+    unsigned char value = 0; // first value byte of the write
+};
+
+/// Lock order: listMutex first, then one of the others. Nothing takes listMutex while it holds
+/// another. "Communication thread" is the one that calls ComCommunication and DataCom.
+class Modbus_RTU_Master
+{
+public:
+    // Set up before the communication loop starts. Not owned; null until SetComInfo.
+    ComInfo *comInfo = nullptr;
+
+    // Guarded by listMutex. The head of writeList or onceReadList is the request in progress.
+    QList<RW_VAR> readList;
+    QList<RW_VAR> writeList;
+    QList<RW_VAR> onceReadList;
+    QList<RW_VAR> spareList;
+
+    // Communication thread alone. Frames of one request at most; the head is on the line.
+    QList<Protocol> pendingList;
+    QList<EXTENDVAR> extendList;
+
+    // Guarded by stationMutex. Disabled stations; the values are always 0.
+    QMap<int, int> stationMap;
+
+    // Set up before the communication loop starts.
+    RequestDoneFunc onRequestDone = nullptr;
+    CommFailFunc onCommFail = nullptr;
+
+    QMutex listMutex;
+    QMutex storeMutex; // guards DataStorage
+    QMutex stationMutex;
+
+    // Communication thread alone; what DataCom returns.
+    RW_VAR retVar;
+    int activeSource = SOURCE_NONE;
+    int writeBurst = 0;
+    int onceBurst = 0;
+
+    // Guarded by listMutex, as ComInfo's cycleDone is: a rebuild sets both.
+    int cycleCount = 0;
+
+    // Written by the communication thread, read by every thread that writes values.
+    std::atomic<unsigned char> commFailed{0};
+    unsigned char spareFlag = 0;
+
+    // Communication thread alone.
+    PendingMerge pendingMerge;
+};
+
+extern VELKO_API Modbus_RTU_Master PLC_driver;
+extern VELKO_API StationImages DataStorage;
+
+extern "C" {
+extern VELKO_API void *LB;
+extern VELKO_API void *LW;
+extern VELKO_API void *RWI;
+}
+
+/// Marks the start of a request of `frames` frames in the host's record.
+void startRequest(int frames);
+
+#endif

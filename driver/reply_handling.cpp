@@ -1,0 +1,254 @@
+#include "driver/reply_handling.h"
+
+#include "driver/modbus_rtu_master.h"
+#include "driver/result_codes.h"
+#include "frames/Func_Check.h"
+#include "store/Func_DealData.h"
+
+#include <QMutexLocker>
+
+#include <algorithm>
+#include <limits>
+
+namespace
+{
+
+const int COMM_FAIL_FLAG = 1;
+
+// Counters that the host can set to anything stop at the largest number.
+void countUp(int &counter)
+{
+    if (counter < std::numeric_limits<int>::max())
+        ++counter;
+}
+
+bool isMissing(const Protocol &request, int length)
+{
+    return length == 0 && request.replyLen != REPLY_LEN_NONE;
+}
+
+bool isWrongLength(const Protocol &request, int length)
+{
+    return length < 0 || (length != request.replyLen && request.replyLen != REPLY_LEN_ANY);
+}
+
+void save(const QByteArray *reply)
+{
+    const QMutexLocker lock(&PLC_driver.storeMutex);
+    SaveToLocalDataErea(reply);
+}
+
+Outcome judgeLocal(const QByteArray *reply, int length)
+{
+    const Protocol &request = PLC_driver.pendingList.first();
+    if (isMissing(request, length))
+        return OUTCOME_LOCAL_NO_REPLY;
+    if (isWrongLength(request, length))
+        return OUTCOME_LOCAL_WRONG_LENGTH;
+    switch (CheckGetData(reply, length)) {
+    case REPLY_TO_READ:
+        save(reply);
+        return OUTCOME_GOOD;
+    case REPLY_TO_WRITE:
+        return OUTCOME_GOOD;
+    default:
+        return OUTCOME_LOCAL_BAD_REPLY;
+    }
+}
+
+Outcome judgeRemote(const QByteArray *reply, int length)
+{
+    const Protocol &request = PLC_driver.pendingList.first();
+    if (isMissing(request, length))
+        return OUTCOME_REMOTE_NO_REPLY;
+    if (isWrongLength(request, length))
+        return OUTCOME_REMOTE_WRONG_LENGTH;
+    if (CheckGetData(reply, length) == REPLY_INVALID)
+        return OUTCOME_REMOTE_BAD_REPLY;
+    if (request.var.rmwMark != RMW_READ_HALF)
+        return OUTCOME_REMOTE_NOT_STORED;
+    save(reply);
+    return PLC_driver.comInfo->frameDone == 1 ? OUTCOME_REMOTE_NOT_STORED : OUTCOME_GOOD;
+}
+
+bool isGood(int result)
+{
+    return result == RESULT_GOOD || result == RESULT_REMOTE_NOT_STORED;
+}
+
+bool haveSameOwner(const RW_VAR &left, const RW_VAR &right)
+{
+    return left.ownerId == right.ownerId && left.ownerTag == right.ownerTag;
+}
+
+bool isQueuedAgain(const QList<RW_VAR> &list)
+{
+    for (int i = 1; i < list.size(); ++i) {
+        if (haveSameOwner(list.at(i), list.first()))
+            return true;
+    }
+    return false;
+}
+
+// --- The end of a request. All of these expect listMutex to be held. ---
+
+void callRequestDone(const RW_VAR &request, REQUEST_STATUS status)
+{
+    if (PLC_driver.onRequestDone)
+        PLC_driver.onRequestDone(PLC_driver.comInfo->linkId, request.ownerId, request.ownerTag,
+                                 status);
+}
+
+// "Done" is held back while a later entry of the same owner will report it.
+void reportHead(const QList<RW_VAR> &list)
+{
+    if (PLC_driver.commFailed != 0)
+        callRequestDone(list.first(), REQUEST_GIVEN_UP);
+    else if (!isQueuedAgain(list))
+        callRequestDone(list.first(), REQUEST_DONE);
+}
+
+void removeHead(QList<RW_VAR> &list, bool reported)
+{
+    if (list.isEmpty())
+        return;
+    if (reported)
+        reportHead(list);
+    passRetValue(list.first(), PLC_driver.retVar);
+    list.removeFirst();
+}
+
+void rotateHead(QList<RW_VAR> &list)
+{
+    if (list.isEmpty())
+        return;
+    passRetValue(list.first(), PLC_driver.retVar);
+    list.move(0, list.size() - 1);
+}
+
+void advanceList(bool local)
+{
+    switch (PLC_driver.activeSource) {
+    case SOURCE_WRITE:
+        removeHead(PLC_driver.writeList, true);
+        break;
+    case SOURCE_ONCE:
+        removeHead(PLC_driver.onceReadList, local);
+        break;
+    case SOURCE_CYCLIC:
+        rotateHead(PLC_driver.readList);
+        break;
+    default:
+        break;
+    }
+}
+
+// What a give-up takes with it: the queued entries of the same owner.
+void purge(QList<RW_VAR> &list)
+{
+    const RW_VAR &given = PLC_driver.retVar;
+    const bool anyStation = PLC_driver.comInfo->perVarStation == 0;
+    const auto goes = [&given, anyStation](const RW_VAR &entry) {
+        return haveSameOwner(entry, given) && (anyStation || entry.station == given.station);
+    };
+    list.erase(std::remove_if(list.begin(), list.end(), goes), list.end());
+}
+
+void reportGiveUp()
+{
+    if (PLC_driver.onCommFail)
+        PLC_driver.onCommFail(QList<RW_VAR>(), PLC_driver.retVar.ownerId, COMM_FAIL_FLAG);
+    if (PLC_driver.activeSource == SOURCE_WRITE)
+        purge(PLC_driver.writeList);
+    else if (PLC_driver.activeSource == SOURCE_ONCE)
+        purge(PLC_driver.onceReadList);
+}
+
+int endRequest(int result, bool local)
+{
+    PLC_driver.pendingMerge = PendingMerge();
+    advanceList(local);
+    if (PLC_driver.commFailed != 0)
+        reportGiveUp();
+    return result;
+}
+
+// --- After the judgement. Both return what goes into retCode and expect listMutex to be held. ---
+
+void countTowardCycle()
+{
+    ComInfo &info = *PLC_driver.comInfo;
+    if (info.cycleDone != 0)
+        return;
+    ++PLC_driver.cycleCount;
+    if (PLC_driver.cycleCount <= PLC_driver.readList.size())
+        return;
+    PLC_driver.cycleCount = 0;
+    info.cycleDone = 1;
+}
+
+int afterGoodExchange(int result, bool local)
+{
+    ComInfo &info = *PLC_driver.comInfo;
+    PLC_driver.commFailed = 0;
+    PLC_driver.pendingList.removeFirst();
+    countUp(info.frameDone);
+    // The second test keeps a read-modify-write whole should the host have put another record in
+    // place, with counters of its own, between its two frames.
+    if (info.frameDone < info.frameTotal || !PLC_driver.pendingList.isEmpty())
+        return result;
+    if (local)
+        countTowardCycle();
+    return endRequest(result, local);
+}
+
+int afterFailedExchange(int result, bool local)
+{
+    ComInfo &info = *PLC_driver.comInfo;
+    PLC_driver.commFailed = 1;
+    PLC_driver.cycleCount = 0;
+    info.cycleDone = 0;
+    countUp(info.retryCount);
+    if (info.retryCount <= info.retryLimit)
+        return RESULT_WILL_REPEAT;
+    info.retryCount = 0;
+    PLC_driver.pendingList.clear();
+    return endRequest(result, local);
+}
+
+void handleReply(const QByteArray &reply, int length)
+{
+    const bool local = PLC_driver.pendingList.first().var.areaNo == PLC_driver.comInfo->localArea;
+    const int result =
+        local ? DealDataOfLocalArea(&reply, length) : DealDataOfRemoteArea(&reply, length);
+    const QMutexLocker lock(&PLC_driver.listMutex);
+    const int verdict =
+        isGood(result) ? afterGoodExchange(result, local) : afterFailedExchange(result, local);
+    PLC_driver.retVar.retCode = verdict; // last: the request's own retCode has been copied in
+}
+
+} // namespace
+
+int DealDataOfLocalArea(const QByteArray *reply, int length)
+{
+    return GetDriverReturnValue(judgeLocal(reply, length));
+}
+
+int DealDataOfRemoteArea(const QByteArray *reply, int length)
+{
+    return GetDriverReturnValue(judgeRemote(reply, length));
+}
+
+void passRetValue(const RW_VAR &from, RW_VAR &to)
+{
+    to = from;
+    to.value.clear();
+}
+
+const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived)
+{
+    PLC_driver.retVar.retCode = RESULT_GOOD;
+    if (PLC_driver.comInfo && !PLC_driver.pendingList.isEmpty())
+        handleReply(reply ? reply->left(qMax(bytesReceived, 0)) : QByteArray(), bytesReceived);
+    return &PLC_driver.retVar;
+}

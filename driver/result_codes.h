@@ -1,0 +1,22 @@
+// Outcomes of judged replies and the result codes that the host sees for them.
+#ifndef DRIVER_RESULT_CODES_H
+#define DRIVER_RESULT_CODES_H
+
+enum Outcome {
+    OUTCOME_GOOD = 0,
+    OUTCOME_LOCAL_BAD_REPLY = 1,
+    OUTCOME_LOCAL_NO_REPLY = 2,
+    OUTCOME_LOCAL_WRONG_LENGTH = 3,
+    OUTCOME_REMOTE_NOT_STORED = 4, // good; or stored as the second of the request's frames
+    OUTCOME_REMOTE_BAD_REPLY = 5,
+    OUTCOME_REMOTE_NO_REPLY = 6,
+    OUTCOME_REMOTE_WRONG_LENGTH = 7
+};
+
+/// The RESULT_... code of an outcome; RESULT_UNKNOWN_OUTCOME for any other number.
+int GetDriverReturnValue(int outcome);
+
+/// classBase + 1, plus the ownerId of the frame on the line when that is 0 to 11.
+int SwitchErrorReturn(int classBase);
+
+#endif

@@ -1,0 +1,43 @@
+#include "frames/wire_order.h"
+
+namespace
+{
+
+const int BYTE_BITS = 8;
+const int WORD_BITS = 16;
+
+} // namespace
+
+void putByte(QByteArray &frame, int value)
+{
+    frame.append(static_cast<char>(value & 0xFF));
+}
+
+void putWord(QByteArray &frame, int value)
+{
+    putByte(frame, value >> BYTE_BITS);
+    putByte(frame, value);
+}
+
+void putLong(QByteArray &frame, int value)
+{
+    putWord(frame, value >> WORD_BITS);
+    putWord(frame, value);
+}
+
+int wordAt(const QByteArray &frame, int index)
+{
+    const int high = static_cast<unsigned char>(frame.at(index));
+    const int low = static_cast<unsigned char>(frame.at(index + 1));
+    return high << BYTE_BITS | low;
+}
+
+QByteArray swappedRegisters(const QByteArray &bytes, int index, int registers)
+{
+    QByteArray swapped(2 * registers, '\0');
+    const int present = qMin(bytes.size() - index, swapped.size());
+    char *to = swapped.data();
+    for (int i = 0; i < present; ++i)
+        to[i ^ 1] = bytes.at(index + i);
+    return swapped;
+}

@@ -1,0 +1,20 @@
+// Byte order on the line, the one place where it is decided: numbers high byte first, and registers
+// swapped between the line (high byte first) and the store (low byte first).
+#ifndef FRAMES_WIRE_ORDER_H
+#define FRAMES_WIRE_ORDER_H
+
+#include <QByteArray>
+
+/// Each appends the low 8, 16 or 32 bits of a number.
+void putByte(QByteArray &frame, int value);
+void putWord(QByteArray &frame, int value);
+void putLong(QByteArray &frame, int value);
+
+/// The register at byte `index` of a frame; the frame holds it.
+int wordAt(const QByteArray &frame, int index);
+
+/// `registers` registers from byte `index` of `bytes` on, each with its two bytes exchanged. Bytes
+/// that are not there count as 0.
+QByteArray swappedRegisters(const QByteArray &bytes, int index, int registers);
+
+#endif

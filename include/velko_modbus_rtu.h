@@ -1,0 +1,443 @@
+// The host's interface to libVelko_Modbus_RTU.so.1, a Modbus RTU master driver for operator panels.
+//
+// The library does no I/O and starts no thread. The host owns the serial line, its timing and the
+// threads; it asks for the next frame, sends it, collects the answer and hands it back:
+//
+//     SetComInfo(&info);                        // once, before the loop
+//     RegistCallBackFuncIntf(done, failed);
+//     ReCreatReadVarList(&items);
+//     for (;;) {                                // the communication thread
+//         const Protocol *request = ComCommunication();
+//         if (!request)
+//             continue;                         // nothing due in this turn; not "idle", see there
+//         ... empty the line, send request->frameLen bytes of request->frame,
+//             collect up to request->replyLen bytes until a time-out of the host's own ...
+//         const RW_VAR *verdict = DataCom(&reply, bytesReceived);
+//     }
+//
+// Any other thread meanwhile reads values with GetRegisterData and writes them with
+// SetRegisterData.
+//
+// How to load it
+//   dlopen it by a path and fetch the entry points with dlsym under the names below; link it only
+//   where one serial line is all that the process will ever drive. One loaded file drives one line.
+//   For a second line load a second copy of the file (a copy, not a link: the loader recognises the
+//   same file); the two share nothing, whatever the flags of dlopen.
+//   The library also exports five data symbols: PLC_driver, DataStorage, LB, LW and RWI. They are
+//   not declared here, because a linked program would get copies of its own; dlsym reaches them.
+//   A host has no need of them.
+//   Loading constructs the driver with empty lists and an empty store. dlclose destroys both; the
+//   host must not be inside an entry point then, and must have taken customMessageHandler back if
+//   it installed it.
+//
+// Numbers
+//   Every integer is 32 bits, signed. On the line registers travel high byte first. In the store,
+//   and in every value that is exchanged with the host, each 16-bit register is two bytes, low byte
+//   first, and a double word is two registers, the lower-numbered one holding its low half.
+//
+// Variables
+//   A variable is a kind (KIND_..., 0 to 11), an address text, a station and a length. Length is
+//   counted in bits for the bit kinds, in bytes for the byte kinds, and in 16-bit words for the
+//   word AND the double-word kinds. The address text is decimal:
+//     bit kinds          "B.b": bit b counted from the first bit of byte B; b may pass 7
+//     byte kinds         "n": byte n; bytes 2r and 2r + 1 are register r, 2r being its low byte
+//     word kinds         "n": register n
+//     double-word kinds  "n": registers 2n and 2n + 1
+//   A text that is no number counts as 0, which is a valid address: "abc" reads register 0. A host
+//   that takes texts from people checks them itself. Addresses that come out negative, leave 32
+//   bits, or lack the one "." of a bit address are refused.
+//
+// Locks and threads
+//   The library has three mutexes, none recursive, that it takes and releases inside its calls: one
+//   over the request lists ("list lock"), one over the store ("store lock"), one over the station
+//   table ("station lock"). Each entry point says which it takes. A callback runs with the list
+//   lock held.
+//
+// Null pointers
+//   Before SetComInfo, and after SetComInfo(0), the entry points that need the record do nothing:
+//   ComCommunication returns null; ReCreatReadVarList, SetRegisterData and the converting mode of
+//   AddListOnceReadVar return 0; DataCom returns its record with RESULT_GOOD. Any other null
+//   pointer changes nothing: the call returns 0, a list function the length of its list.
+//
+// What a host trips over
+//   - A null from ComCommunication is not "idle": the turn that ends a burst of five writes, with
+//     nothing else to send, returns null while more writes are queued.
+//   - A given-up write is gone and has to be written again. So are the writes queued behind it with
+//     the same ownerId and ownerTag (and station, where perVarStation is set).
+//   - A reply is judged by its length and its CRC alone, not by station or function. A late answer
+//     of the right length would be taken for the answer to the next request; so the host empties
+//     the line before it sends, above all after a time-out.
+//   - retryCount is never reset by a good reply: failures of different requests add up to a
+//   give-up.
+//     A host that wants a request to fail for its own failures only sets it to 0 in ComInfo after
+//     each finished request, on the communication thread.
+//   - Outside remote mode a write to station 0 (broadcast) waits for an answer that no slave gives:
+//     it is repeated and at last reported failed although the slaves obey it.
+//   - On the line register numbers wrap at 65,536; the 5000 of the third area is included.
+//   - One function 16 frame carries at most 123 registers, one read at most 125. The library sends
+//     what maxRegs says; slaves refuse more.
+//   - With an odd maxRegs a run of double words is cut in the middle of one: its two halves travel
+//     in two frames, and a slave can see a torn value. Choose an even maxRegs.
+//   - Queued writes to the input area (kinds 0, 3, 6, 9) or of an unknown kind have no Modbus
+//     request. Outside remote mode SetRegisterData refuses them; one that AddListWriteVar queued
+//     vanishes when its turn comes: no frame, no callback.
+//   - A bit or byte is written by reading its register and writing it back. What the PLC itself
+//     changes in that register between the two is overwritten.
+//   - A pseudo-terminal (for tests) must be made raw before its first byte, and may still deliver
+//     bytes after a flush: read until it is quiet.
+//
+// Limits, besides those of the enumeration LIMIT_... below
+//   An area image grows up to the highest byte written and never shrinks. Every station number that
+//   is read or written makes an (empty) entry. Modes "append unconditionally" have no limit.
+#ifndef VELKO_MODBUS_RTU_H
+#define VELKO_MODBUS_RTU_H
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QtGlobal>
+
+#include <cstddef>
+
+#define VELKO_API __attribute__((visibility("default")))
+
+/// Variable kinds: 3 x width (bit, byte, word, double word) + area (input, holding, holding 5000).
+enum VARIABLE_KIND {
+    KIND_INPUT_BIT = 0,
+    KIND_HOLDING_BIT = 1,
+    KIND_HOLDING_5000_BIT = 2,
+    KIND_INPUT_BYTE = 3,
+    KIND_HOLDING_BYTE = 4,
+    KIND_HOLDING_5000_BYTE = 5,
+    KIND_INPUT_WORD = 6,
+    KIND_HOLDING_WORD = 7,
+    KIND_HOLDING_5000_WORD = 8,
+    KIND_INPUT_DWORD = 9,
+    KIND_HOLDING_DWORD = 10,
+    KIND_HOLDING_5000_DWORD = 11,
+    KIND_COUNT = 12
+};
+
+/// Register areas, as they stand in the records of read requests.
+enum REGISTER_AREA {
+    AREA_INPUT = 6,       ///< read with function 04; cannot be written
+    AREA_HOLDING = 7,     ///< read with function 03, written with function 16
+    AREA_HOLDING_5000 = 8 ///< the same; register r has number r + 5000 on the line
+};
+
+/// RW_VAR::rwFlag.
+enum REQUEST_DIRECTION { REQUEST_READ = 0, REQUEST_WRITE = 1 };
+
+/// ComInfo::commMode. Every value but 2 selects store-only mode.
+enum COMM_MODE { COMM_STORE_ONLY = 0, COMM_DEVICE = 2 };
+
+/// Second argument of AddListWriteVar and AddListOnceReadVar. Every value but 1 checks.
+enum QUEUE_MODE { QUEUE_CHECKED = 0, QUEUE_UNCONDITIONALLY = 1 };
+
+/// Fourth argument of RequestDoneFunc.
+enum REQUEST_STATUS { REQUEST_DONE = 1, REQUEST_GIVEN_UP = 2 };
+
+/// RW_VAR::retCode of the record that DataCom returns. The error codes stand for classes of
+/// RESULT_CLASS_SPAN numbers each: a request with an ownerId of 0 to 11 adds it to the code, any
+/// other adds nothing. "Local" are requests whose areaNo equals ComInfo's localArea (all that the
+/// driver builds), "remote" are the others. An error code means that the request was given up.
+enum RESULT_CODE {
+    RESULT_WILL_REPEAT = 0,           ///< failed; ComCommunication will return the frame again
+    RESULT_GOOD = 1,                  ///< good exchange, or nothing was pending
+    RESULT_LOCAL_BAD_REPLY = 11,      ///< 11 to 22: CRC or buffer length wrong
+    RESULT_LOCAL_NO_REPLY = 41,       ///< 41 to 52
+    RESULT_LOCAL_WRONG_LENGTH = 71,   ///< 71 to 82: an exception reply among them
+    RESULT_REMOTE_NOT_STORED = 100,   ///< good remote exchange whose data was not stored
+    RESULT_REMOTE_BAD_REPLY = 111,    ///< 111 to 122
+    RESULT_REMOTE_NO_REPLY = 141,     ///< 141 to 152
+    RESULT_REMOTE_WRONG_LENGTH = 171, ///< 171 to 182
+    RESULT_UNKNOWN_OUTCOME = 200,     ///< never returned by DataCom
+    RESULT_CLASS_SPAN = 12
+};
+
+enum LIMIT {
+    /// Entries of the write queue, and of the one-shot queue, above which the checked mode drops.
+    LIMIT_QUEUE_ENTRIES = 1024,
+    /// Registers that the length of one call, or of one variable item, may cover.
+    LIMIT_REGISTERS = 65536,
+    /// Bytes of one area image. Bytes from here on are not written and read as 0.
+    LIMIT_IMAGE_BYTES = 1 << 24,
+    /// Bytes of one frame. A write that would pass it gets none, and vanishes when its turn comes.
+    LIMIT_FRAME_BYTES = 65535
+};
+
+/// One variable request. 60 bytes on a 32-bit target. Copied by value wherever it is handed in.
+struct RW_VAR {
+    int ownerId = 0;  ///< the host's first identifier; 0 on cyclic reads. See RESULT_CODE.
+    int ownerTag = 0; ///< the host's second identifier; -1 on cyclic reads. Both form the identity.
+    int rwFlag = REQUEST_READ;
+    int linkMode = 0;  ///< ComInfo's remoteMode when the driver built the record; never read
+    int areaNo = 0;    ///< ComInfo's localArea on records that the driver builds
+    int retCode = 0;   ///< RESULT_...; meaningful only in the record that DataCom returns
+    QString varName;   ///< carried, never interpreted
+    QString addrText;  ///< the address as the host wrote it
+    int varKind = 0;   ///< KIND_... of writes; AREA_... of read requests in the lists
+    int addr = 0;      ///< writes: linear offset (bits for bit kinds, else bytes); reads: register
+    int station = 0;   ///< slave; its low byte goes on the line. 0 is broadcast
+    int count = 0;     ///< writes: length in the kind's units; reads: registers
+    int rmwMark = 0;   ///< -1: the read half of a read-modify-write
+    int remoteArg = 0; ///< carried in remote-mode frames alone
+    QByteArray value;  ///< value bytes of a write, low byte of each register first; empty on reads
+};
+
+/// One request frame. 92 bytes on a 32-bit target.
+struct Protocol {
+    QByteArray frame;   ///< the bytes to send, check bytes included
+    int frameLen = 0;   ///< bytes in frame
+    int replyLen = 0;   ///< bytes of the expected reply; -1: not checked; 0: none (broadcast)
+    int dataOffset = 0; ///< byte of the reply where its data begins: 3 for reads, 0 for writes
+    int dataLen = 0;    ///< data bytes of the reply: 2 per register for reads, 0 for writes
+    RW_VAR var;         ///< copy of the record that the frame serves
+    int reserved[3] = {0, 0, 0};
+};
+
+/// The host's record of one link. The host allocates and owns it and keeps it alive while the
+/// library is loaded; the driver keeps the pointer and reads and writes the fields in place.
+/// Fields marked (driver) are written by the driver, on the communication thread unless said
+/// otherwise. The record may be longer than declared here: the host may append its own fields.
+struct ComInfo {
+    int hostWords[4] = {0, 0, 0, 0}; ///< the host's own; never touched
+    /// Registers per request at the most, 1 or more; less counts as 1. No ceiling is applied.
+    /// Choose an even number up to 122 on a link that writes, up to 125 on one that only reads.
+    int maxRegs = 0;
+    int hostWord = 0; ///< the host's own; never touched
+    int defaultStation =
+        0;                 ///< station of every cyclic read; of the others where perVarStation is 0
+    int retryLimit = 0;    ///< failed exchanges tolerated; the next one gives the request up
+    int retryCount = 0;    ///< (driver) failed exchanges since the last give-up
+    int perVarStation = 0; ///< not 0: one-shot reads and writes keep their own station
+    int reserved0 = 0;     ///< set to 0 by SetComInfo
+    int frameTotal = 0;    ///< (driver) frames of the current request: 1, or 2
+    int frameDone = 0;     ///< (driver) frames of the current request answered so far
+    int reserved1 = 0;     ///< set to 0 by SetComInfo
+    int remoteMode = 0;    ///< not 0: requests go out in the library's remote format
+    int localArea = 0;     ///< the link's own area number
+    int commMode = 0;      ///< COMM_...: whether SetRegisterData writes to the device
+    /// (driver) 1 once more good requests, of any kind, than the cyclic list has entries were
+    /// counted since it was 0, or when there was nothing to send; 0 after every failed exchange and
+    /// after a rebuild of the list (on the thread that rebuilds). Read it on the communication
+    /// thread. Writes count as well, so it shows a full pass only while nothing else is going on.
+    int cycleDone = 0;
+    int linkId = 0; ///< first argument of RequestDoneFunc
+};
+
+/// One variable of the cyclic read list. 20 bytes on a 32-bit target; a host's own item may be
+/// longer, since QList keeps records of this size by pointer and the library never copies them.
+struct VAR_ITEM {
+    unsigned char hostByte = 0;                      ///< not read
+    unsigned char kind = 0;                          ///< KIND_...
+    unsigned char hostBytes[6] = {0, 0, 0, 0, 0, 0}; ///< not read
+    QString addrText;
+    QString varName; ///< carried into the request's record
+    int length = 0;  ///< in the kind's units
+};
+
+#define VELKO_CHECK_SIZE(record, on32, on64)                                                       \
+    static_assert(sizeof(record) == (sizeof(void *) == 4 ? (on32) : (on64)),                       \
+                  #record " has another size than the library expects")
+#define VELKO_CHECK_OFFSET(record, field, on32, on64)                                              \
+    static_assert(offsetof(record, field) == (sizeof(void *) == 4 ? (on32) : (on64)),              \
+                  #record "::" #field " is not where the library expects it")
+
+static_assert(sizeof(int) == 4, "the records hold 32-bit integers");
+
+VELKO_CHECK_SIZE(RW_VAR, 60, 72);
+VELKO_CHECK_OFFSET(RW_VAR, ownerId, 0, 0);
+VELKO_CHECK_OFFSET(RW_VAR, ownerTag, 4, 4);
+VELKO_CHECK_OFFSET(RW_VAR, rwFlag, 8, 8);
+VELKO_CHECK_OFFSET(RW_VAR, linkMode, 12, 12);
+VELKO_CHECK_OFFSET(RW_VAR, areaNo, 16, 16);
+VELKO_CHECK_OFFSET(RW_VAR, retCode, 20, 20);
+VELKO_CHECK_OFFSET(RW_VAR, varName, 24, 24);
+VELKO_CHECK_OFFSET(RW_VAR, addrText, 28, 32);
+VELKO_CHECK_OFFSET(RW_VAR, varKind, 32, 40);
+VELKO_CHECK_OFFSET(RW_VAR, addr, 36, 44);
+VELKO_CHECK_OFFSET(RW_VAR, station, 40, 48);
+VELKO_CHECK_OFFSET(RW_VAR, count, 44, 52);
+VELKO_CHECK_OFFSET(RW_VAR, rmwMark, 48, 56);
+VELKO_CHECK_OFFSET(RW_VAR, remoteArg, 52, 60);
+VELKO_CHECK_OFFSET(RW_VAR, value, 56, 64);
+
+VELKO_CHECK_SIZE(Protocol, 92, 112);
+VELKO_CHECK_OFFSET(Protocol, frame, 0, 0);
+VELKO_CHECK_OFFSET(Protocol, frameLen, 4, 8);
+VELKO_CHECK_OFFSET(Protocol, replyLen, 8, 12);
+VELKO_CHECK_OFFSET(Protocol, dataOffset, 12, 16);
+VELKO_CHECK_OFFSET(Protocol, dataLen, 16, 20);
+VELKO_CHECK_OFFSET(Protocol, var, 20, 24);
+VELKO_CHECK_OFFSET(Protocol, reserved, 80, 96);
+
+VELKO_CHECK_SIZE(ComInfo, 76, 76);
+VELKO_CHECK_OFFSET(ComInfo, maxRegs, 16, 16);
+VELKO_CHECK_OFFSET(ComInfo, hostWord, 20, 20);
+VELKO_CHECK_OFFSET(ComInfo, defaultStation, 24, 24);
+VELKO_CHECK_OFFSET(ComInfo, retryLimit, 28, 28);
+VELKO_CHECK_OFFSET(ComInfo, retryCount, 32, 32);
+VELKO_CHECK_OFFSET(ComInfo, perVarStation, 36, 36);
+VELKO_CHECK_OFFSET(ComInfo, reserved0, 40, 40);
+VELKO_CHECK_OFFSET(ComInfo, frameTotal, 44, 44);
+VELKO_CHECK_OFFSET(ComInfo, frameDone, 48, 48);
+VELKO_CHECK_OFFSET(ComInfo, reserved1, 52, 52);
+VELKO_CHECK_OFFSET(ComInfo, remoteMode, 56, 56);
+VELKO_CHECK_OFFSET(ComInfo, localArea, 60, 60);
+VELKO_CHECK_OFFSET(ComInfo, commMode, 64, 64);
+VELKO_CHECK_OFFSET(ComInfo, cycleDone, 68, 68);
+VELKO_CHECK_OFFSET(ComInfo, linkId, 72, 72);
+
+VELKO_CHECK_SIZE(VAR_ITEM, 20, 32);
+VELKO_CHECK_OFFSET(VAR_ITEM, kind, 1, 1);
+VELKO_CHECK_OFFSET(VAR_ITEM, addrText, 8, 8);
+VELKO_CHECK_OFFSET(VAR_ITEM, varName, 12, 16);
+VELKO_CHECK_OFFSET(VAR_ITEM, length, 16, 24);
+
+#undef VELKO_CHECK_SIZE
+#undef VELKO_CHECK_OFFSET
+
+// The callbacks run on the thread that called DataCom, inside that call, with the list lock held.
+// They must not call ComCommunication, DataCom, ReCreatReadVarList, AddListReadVar,
+// AddListWriteVar, AddListOnceReadVar, SetRegisterData or SetComInfo: those take the list lock, or
+// change what DataCom is working on. GetRegisterData, EnCommStation and PLCAddressChangeIntef are
+// allowed. They must not throw.
+
+/// A write, or a one-shot read of the link's own area, has ended.
+/// (linkId, ownerId, ownerTag, REQUEST_DONE or REQUEST_GIVEN_UP). "Done" is held back while a later
+/// entry with the same ownerId and ownerTag is queued in the same list: only the last one reports.
+typedef void (*RequestDoneFunc)(int linkId, int ownerId, int ownerTag, int status);
+
+/// A request of any kind has been given up, after its RequestDoneFunc call if it has one.
+/// (an empty list, ownerId, 1).
+typedef void (*CommFailFunc)(QList<RW_VAR> variables, int ownerId, int flag);
+
+extern "C" {
+
+// --- Set-up: before the communication loop starts. No locks. ---
+
+/// Hands over the link's record; sets its two reserved words to 0 and resets nothing else. Calling
+/// it again replaces the pointer; do so only while no request is on the line.
+VELKO_API void SetComInfo(ComInfo *info);
+
+/// Registers both callbacks in place of earlier ones. Null: that call-back is not made.
+VELKO_API void RegistCallBackFuncIntf(RequestDoneFunc onRequestDone, CommFailFunc onCommFail);
+
+/// Stores three pointers of the host's in LB, LW and RWI. The library never follows them.
+VELKO_API void FlashLocalRegister(void *lb, void *lw, void *rwi);
+
+/// Always 1. Any thread, no lock.
+VELKO_API int QueryFinishFlag(void);
+
+// --- The communication thread: exactly one thread calls these two. ---
+
+/// The next frame to send, or null when this turn has none. Order: writes, then one-shot reads,
+/// then the cyclic list; after five turns in a row a list waits until the cyclic list had its turn.
+/// Requests to disabled stations wait. The same frame is returned again until DataCom has taken it
+/// off: after a failed exchange that is how it is repeated. The record is the driver's and valid
+/// until the next DataCom. Takes the list lock; inside it the station lock and, for writes, the
+/// store lock.
+/// A null is no sign that nothing is queued: call again.
+VELKO_API const Protocol *ComCommunication(void);
+
+/// Judges the answer to the frame that ComCommunication returned, stores what it carries, and
+/// finishes, repeats or gives up the request. `reply`: the received bytes; the host's, read only,
+/// not kept. `bytesReceived`: their number; 0 when none came. Only the first `bytesReceived` bytes
+/// count; more than the array holds, or less than 0, is a failed exchange.
+/// Returns the driver's own record, valid until the next DataCom. Its retCode is the verdict
+/// (RESULT_...). Its other fields, `value` empty, are those of the request only when this call
+/// finished or gave up a request; else those of an earlier one.
+/// Takes the store lock, then the list lock; calls the callbacks under the latter.
+VELKO_API const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived);
+
+// --- Lists ---
+
+/// Rebuilds the cyclic read list from the host's items: each becomes a range of registers; ranges
+/// of one area that touch, overlap or start within maxRegs registers of one another are merged, and
+/// cut to at most maxRegs registers. Every item gets ComInfo's defaultStation; with 0 the list
+/// stays empty. An item is left out when its address is invalid, when it covers no register, or
+/// more than LIMIT_REGISTERS. Restarts the cycle (cycleDone 0), unless the host's list is empty.
+/// `items` is the host's, read only, not kept. Returns the number of requests in the list.
+/// Any thread. Takes the list lock for its whole run.
+VELKO_API int ReCreatReadVarList(const QList<VAR_ITEM> *items);
+
+/// Appends a copy of a ready-made read request to the cyclic list, unchecked: varKind an AREA_...,
+/// addr the register, count the registers (on the line they count modulo 65,536), rwFlag
+/// REQUEST_READ, areaNo ComInfo's localArea. Returns the list's new length. Takes NO lock: only
+/// between two exchanges, on the communication thread or while it is not running.
+VELKO_API int AddListReadVar(const RW_VAR *request);
+
+/// Queues a copy of a write: varKind a KIND_..., addr the linear offset, count the length in the
+/// kind's units (bits and bytes go out one per record: count 1), value its bytes (missing ones
+/// count as 0), rwFlag REQUEST_WRITE, areaNo ComInfo's localArea. QUEUE_UNCONDITIONALLY appends.
+/// QUEUE_CHECKED overwrites the queued write of the same station, varKind, addr and count, except
+/// at the head, which may be on the line; else appends, and drops the write silently when
+/// LIMIT_QUEUE_ENTRIES are queued. Returns the queue's length, which does not tell a drop. Any
+/// thread. Takes the list lock.
+VELKO_API int AddListWriteVar(const RW_VAR *request, int mode);
+
+/// Queues a read that is made once. QUEUE_UNCONDITIONALLY appends a copy of a ready-made request
+/// (as AddListReadVar). QUEUE_CHECKED converts: varKind is a KIND_..., addrText the address, count
+/// the length in the kind's units; it is cut to maxRegs registers. Pieces that are queued already
+/// (same ownerId, ownerTag, station, varKind, addr, count) are not queued again, and pieces are
+/// dropped silently when LIMIT_QUEUE_ENTRIES are queued. The caller's record is rewritten to the
+/// register range of the last piece. Returns the queue's length; 0 for an invalid address, station
+/// 0, a negative length or one of more than LIMIT_REGISTERS. Any thread. Takes the list lock.
+VELKO_API int AddListOnceReadVar(RW_VAR *request, int mode);
+
+/// Disables (enable 0) or enables (1) a station; other values of `enable` do nothing. A negative
+/// station enables all. Requests to a disabled station stay queued, in their order, and stored
+/// values stay. Any thread. Takes the station lock.
+VELKO_API void EnCommStation(int station, int enable);
+
+// --- Values ---
+
+/// The linear offset of an address text: bits for the bit kinds, bytes for the others. Negative for
+/// an address that is refused. Any thread, no lock.
+VELKO_API int PLCAddressChangeIntef(int kind, QString addrText);
+
+/// Reads `length` units of a kind from the store, never from the line. `unused` has no effect.
+/// The contents of `output` (the host's) are replaced: bits as one byte 0 or 1 each; bytes as they
+/// are, followed by as many bytes 0; words as 2 bytes each; double words as 4 bytes each, an odd
+/// length rounded up. A length below 1 gives an empty array. What was never read or written reads
+/// as 0.
+/// Returns 1; 0, with `output` untouched, for an invalid address or a length of more than
+/// LIMIT_REGISTERS. Any thread. Takes the store lock: one call never sees half a reply.
+VELKO_API int GetRegisterData(int unused, int kind, const QString &addrText, int station,
+                              QByteArray *output, int length);
+
+/// Writes `length` units of a kind. `value` (the host's, read only, not kept) is laid out as
+/// GetRegisterData delivers it, any byte but 0 being a set bit; bytes that it lacks count as 0.
+/// In store-only mode the value goes to the store and the result is 1.
+/// In device mode (COMM_DEVICE) it is queued: bits and bytes one record each, words and double
+/// words in pieces of at most maxRegs registers, each reported through RequestDoneFunc; the store
+/// shows it when its request is built, or at once while the line is failing. The result is the
+/// length of the write queue, or 0 when nothing was queued. A full queue drops pieces silently: a
+/// host that must know compares the result with LIMIT_QUEUE_ENTRIES beforehand. Returns 0, with
+/// nothing changed, for an invalid address and for a length of more than LIMIT_REGISTERS; in device
+/// mode also for a run whose last linear offset leaves 32 bits and, outside remote mode, for the
+/// input area. `station` counts where ComInfo's perVarStation is set, else defaultStation. Any
+/// thread. Takes the list lock, then the store lock, never both.
+VELKO_API int SetRegisterData(const QString &varName, int kind, const QString &addrText,
+                              int station, const QByteArray *value, int length, int ownerId,
+                              int ownerTag);
+
+} // extern "C"
+
+// --- Under C++ names ---
+
+/// Writes a message as one line, time stamp first, to "debug.log" in the working directory; the
+/// first one after loading empties the file. A message that cannot be written is lost silently. A
+/// host installs it as Qt 4 message handler, and must install another before it unloads the
+/// library. dlsym name: _Z20customMessageHandler9QtMsgTypePKc. Any thread; a lock of its own.
+VELKO_API void customMessageHandler(QtMsgType type, const char *message);
+
+/// Appends `record`, cut into pieces of at most `maxRegs` registers (less than 1 counts as 1), to
+/// `pieces`; a `total` of registers that is not more than maxRegs appends it unchanged. `record` is
+/// left holding the last piece. More than LIMIT_REGISTERS pieces are not made: nothing changes
+/// then. Both are the caller's. dlsym name: _Z12WhetherGroupiiP6RW_VARP5QListIS_E. Any thread, no
+/// lock.
+VELKO_API void WhetherGroup(int total, int maxRegs, RW_VAR *record, QList<RW_VAR> *pieces);
+
+#endif

@@ -1,0 +1,166 @@
+#include "lists/Func_Initi.h"
+
+#include "driver/modbus_rtu_master.h"
+#include "lists/address_model.h"
+#include "lists/register_pieces.h"
+
+#include <QMutexLocker>
+
+#include <algorithm>
+
+namespace
+{
+
+/// Station -> area code -> requests, both in ascending order.
+typedef QMap<int, QMap<int, QList<RW_VAR>>> RequestGroups;
+
+bool startsLower(const RW_VAR &left, const RW_VAR &right)
+{
+    return left.addr < right.addr;
+}
+
+qint64 endOf(const RW_VAR &record)
+{
+    return static_cast<qint64>(record.addr) + record.count;
+}
+
+// A gap is worth reading only while the next record starts within one request's reach.
+bool isApart(const RW_VAR &current, const RW_VAR &next, int maxRegs)
+{
+    return endOf(current) < next.addr && next.addr > static_cast<qint64>(current.addr) + maxRegs;
+}
+
+void mergeInto(RW_VAR &current, const RW_VAR &next)
+{
+    if (endOf(next) > endOf(current))
+        current.count = static_cast<int>(endOf(next) - current.addr);
+}
+
+RW_VAR cyclicTemplate(const ComInfo &info)
+{
+    RW_VAR record;
+    record.ownerTag = OWNER_TAG_CYCLIC;
+    record.linkMode = info.remoteMode;
+    record.areaNo = info.localArea;
+    return record;
+}
+
+// False for an item that is left out.
+bool fillFromItem(RW_VAR &record, const VAR_ITEM &item, int station)
+{
+    record.station = station;
+    record.addrText = item.addrText;
+    record.varName = item.varName;
+    const int offset = StringAddressToInt(item.kind, item.addrText);
+    if (offset < 0 || station == 0)
+        return false;
+    const RegisterRange range = ToRegisterRange(item.kind, offset, item.length);
+    record.varKind = range.areaCode;
+    record.addr = range.firstRegister;
+    record.count = range.count;
+    return range.count <= LIMIT_REGISTERS;
+}
+
+RequestGroups groupItems(const QList<VAR_ITEM> &items, const ComInfo &info)
+{
+    RequestGroups groups;
+    RW_VAR record = cyclicTemplate(info);
+    for (int i = 0; i < items.size(); ++i) {
+        if (fillFromItem(record, items.at(i), info.defaultStation))
+            groups[record.station][record.varKind].append(record);
+    }
+    return groups;
+}
+
+void mergeGroups(RequestGroups &groups, int maxRegs)
+{
+    for (RequestGroups::iterator station = groups.begin(); station != groups.end(); ++station) {
+        QMap<int, QList<RW_VAR>>::iterator area = station->begin();
+        for (; area != station->end(); ++area) {
+            Bubble_Sort(&*area);
+            BitVarReCreat(&*area, maxRegs);
+        }
+    }
+}
+
+} // namespace
+
+void Bubble_Sort(QList<RW_VAR> *records)
+{
+    std::stable_sort(records->begin(), records->end(), startsLower);
+}
+
+void addressAdd(RW_VAR &record, int maxRegs, bool keepRest)
+{
+    const RegisterPieces pieces(record.count, maxRegs);
+    for (int i = 0; i < pieces.full(); ++i)
+        PLC_driver.readList.append(pieceOf(record, pieces, i));
+    record.addr += pieces.start(pieces.full());
+    record.count -= pieces.start(pieces.full());
+    if (keepRest && record.count > 0)
+        PLC_driver.readList.append(record);
+}
+
+void BitVarReCreat(QList<RW_VAR> *group, int maxRegs)
+{
+    if (group->isEmpty())
+        return;
+    RW_VAR current = group->first();
+    addressAdd(current, maxRegs, false);
+    for (int i = 1; i < group->size(); ++i) {
+        const RW_VAR &next = group->at(i);
+        if (current.count == 0) {
+            current = next;
+        } else if (isApart(current, next, usableMaxRegs(maxRegs))) {
+            addressAdd(current, maxRegs, true);
+            current = next;
+        } else {
+            mergeInto(current, next);
+        }
+    }
+    addressAdd(current, maxRegs, true);
+}
+
+int ReCreatReadVarList(const QList<VAR_ITEM> *items)
+{
+    ComInfo *const info = PLC_driver.comInfo;
+    if (!info)
+        return 0;
+    const QMutexLocker lock(&PLC_driver.listMutex);
+    if (!items)
+        return PLC_driver.readList.size();
+    PLC_driver.readList.clear();
+    if (items->isEmpty())
+        return 0;
+    const int maxRegs = info->maxRegs;
+    PLC_driver.cycleCount = 0;
+    info->cycleDone = 0;
+    RequestGroups groups = groupItems(*items, *info);
+    mergeGroups(groups, maxRegs);
+    return PLC_driver.readList.size();
+}
+
+int AddListReadVar(const RW_VAR *request)
+{
+    if (request)
+        PLC_driver.readList.append(*request);
+    return PLC_driver.readList.size();
+}
+
+void WhetherGroup(int total, int maxRegs, RW_VAR *record, QList<RW_VAR> *pieces)
+{
+    if (!record || !pieces)
+        return;
+    if (total <= usableMaxRegs(maxRegs)) {
+        pieces->append(*record);
+        return;
+    }
+    const RegisterPieces cut(total, maxRegs);
+    if (cut.count() > LIMIT_REGISTERS)
+        return;
+    const RW_VAR whole = *record;
+    for (int i = 0; i < cut.count(); ++i) {
+        *record = pieceOf(whole, cut, i);
+        pieces->append(*record);
+    }
+}

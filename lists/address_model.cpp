@@ -1,0 +1,85 @@
+#include "lists/address_model.h"
+
+#include "driver/variable_kinds.h"
+#include "velko_modbus_rtu.h"
+
+#include <QStringList>
+
+#include <limits>
+
+namespace
+{
+
+const int INVALID_ADDRESS = -1;
+
+const qint64 BYTE_BITS = 8;
+const qint64 WORD_BYTES = 2;
+const qint64 DWORD_BYTES = 4;
+
+int withinInt(qint64 offset)
+{
+    const bool fits =
+        offset >= std::numeric_limits<int>::min() && offset <= std::numeric_limits<int>::max();
+    return fits ? static_cast<int>(offset) : INVALID_ADDRESS;
+}
+
+int bitOffset(const QString &text)
+{
+    const QStringList parts = text.split(QLatin1Char('.'));
+    if (parts.size() != 2)
+        return INVALID_ADDRESS;
+    return withinInt(parts.at(0).toInt() * BYTE_BITS + parts.at(1).toInt());
+}
+
+qint64 registerCount(WidthClass width, int offset, qint64 length)
+{
+    switch (width) {
+    case WIDTH_BIT:
+        return (offset % 16 + length + 15) / 16;
+    case WIDTH_BYTE:
+        return (offset % 2 + length + 1) / 2;
+    case WIDTH_DWORD:
+        return (length + 1) / 2 * 2;
+    default:
+        return length;
+    }
+}
+
+} // namespace
+
+int StringAddressToInt(int kind, const QString &text)
+{
+    switch (widthOf(kind)) {
+    case WIDTH_BIT:
+        return bitOffset(text);
+    case WIDTH_BYTE:
+        return text.toInt();
+    case WIDTH_WORD:
+        return withinInt(text.toInt() * WORD_BYTES);
+    case WIDTH_DWORD:
+        return withinInt(text.toInt() * DWORD_BYTES);
+    default:
+        return INVALID_ADDRESS;
+    }
+}
+
+int PLCAddressChangeIntef(int kind, QString addrText)
+{
+    return StringAddressToInt(kind, addrText);
+}
+
+RegisterRange ToRegisterRange(int kind, int offset, int length)
+{
+    const WidthClass width = widthOf(kind);
+    const qint64 count = registerCount(width, offset, length);
+    RegisterRange range;
+    range.areaCode = getPlcReg(kind);
+    range.firstRegister = width == WIDTH_BIT ? offset >> 4 : offset >> 1;
+    range.count = static_cast<int>(qMin<qint64>(count, std::numeric_limits<int>::max()));
+    return range;
+}
+
+bool passesRegisterLimit(int kind, int offset, int length)
+{
+    return ToRegisterRange(kind, offset, length).count > LIMIT_REGISTERS;
+}

@@ -1,0 +1,117 @@
+// The write queue and the one-shot read queue: one entry per target, at most LIMIT_QUEUE_ENTRIES.
+#include "driver/modbus_rtu_master.h"
+#include "lists/address_model.h"
+#include "lists/register_pieces.h"
+
+#include <QMutexLocker>
+
+namespace
+{
+
+const int NOT_QUEUED = -1;
+
+bool haveSameRange(const RW_VAR &left, const RW_VAR &right)
+{
+    return left.station == right.station && left.varKind == right.varKind && left.addr == right.addr
+           && left.count == right.count;
+}
+
+bool haveSameTarget(const RW_VAR &left, const RW_VAR &right)
+{
+    return left.ownerId == right.ownerId && left.ownerTag == right.ownerTag
+           && haveSameRange(left, right);
+}
+
+int indexOf(const QList<RW_VAR> &queue, const RW_VAR &request, int from,
+            bool (*matches)(const RW_VAR &, const RW_VAR &))
+{
+    for (int i = from; i < queue.size(); ++i) {
+        if (matches(queue.at(i), request))
+            return i;
+    }
+    return NOT_QUEUED;
+}
+
+void appendWithinCapacity(QList<RW_VAR> &queue, const RW_VAR &request)
+{
+    if (queue.size() < LIMIT_QUEUE_ENTRIES)
+        queue.append(request);
+}
+
+// The head may be on the line with its old value, so it is never overwritten.
+void queueWrite(QList<RW_VAR> &queue, const RW_VAR &request)
+{
+    const int same = indexOf(queue, request, 1, haveSameRange);
+    if (same == NOT_QUEUED)
+        appendWithinCapacity(queue, request);
+    else
+        queue[same] = request;
+}
+
+void queueOnceRead(QList<RW_VAR> &queue, const RW_VAR &request)
+{
+    if (indexOf(queue, request, 0, haveSameTarget) == NOT_QUEUED)
+        appendWithinCapacity(queue, request);
+}
+
+// Rewrites the request from the host's form to a register range; false when it is refused.
+bool convertOnceRead(RW_VAR &request, const ComInfo &info)
+{
+    if (info.perVarStation == 0)
+        request.station = info.defaultStation;
+    const int offset = StringAddressToInt(request.varKind, request.addrText);
+    if (offset < 0 || request.station == 0 || request.count < 0)
+        return false;
+    const RegisterRange range = ToRegisterRange(request.varKind, offset, request.count);
+    if (range.count > LIMIT_REGISTERS)
+        return false;
+    request.rmwMark = 0;
+    request.remoteArg = 0;
+    request.varKind = range.areaCode;
+    request.addr = range.firstRegister;
+    request.count = range.count;
+    return true;
+}
+
+int appendOnceRead(const RW_VAR *request)
+{
+    const QMutexLocker lock(&PLC_driver.listMutex);
+    if (request)
+        PLC_driver.onceReadList.append(*request);
+    return PLC_driver.onceReadList.size();
+}
+
+} // namespace
+
+int AddListWriteVar(const RW_VAR *request, int mode)
+{
+    const QMutexLocker lock(&PLC_driver.listMutex);
+    QList<RW_VAR> &queue = PLC_driver.writeList;
+    if (request && mode == QUEUE_UNCONDITIONALLY)
+        queue.append(*request);
+    else if (request)
+        queueWrite(queue, *request);
+    return queue.size();
+}
+
+int AddListOnceReadVar(RW_VAR *request, int mode)
+{
+    if (mode == QUEUE_UNCONDITIONALLY)
+        return appendOnceRead(request);
+    const ComInfo *const info = PLC_driver.comInfo;
+    if (!info)
+        return 0;
+    if (!request)
+        return appendOnceRead(nullptr);
+    if (!convertOnceRead(*request, *info))
+        return 0;
+
+    const RW_VAR whole = *request;
+    const RegisterPieces pieces(whole.count, info->maxRegs);
+    const QMutexLocker lock(&PLC_driver.listMutex);
+    for (int i = 0; i < pieces.count(); ++i) {
+        *request = pieceOf(whole, pieces, i);
+        queueOnceRead(PLC_driver.onceReadList, *request);
+    }
+    return PLC_driver.onceReadList.size();
+}

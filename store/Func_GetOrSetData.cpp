@@ -1,0 +1,226 @@
+#include "store/Func_GetOrSetData.h"
+
+#include "driver/modbus_rtu_master.h"
+#include "driver/variable_kinds.h"
+#include "lists/address_model.h"
+#include "lists/register_pieces.h"
+#include "store/data_store.h"
+
+#include <QMutexLocker>
+
+#include <limits>
+
+namespace
+{
+
+const int BYTE_BITS = 8;
+const int WORD_BYTES = 2;
+const int DWORD_BYTES = 4;
+
+// Bytes that `length` units take in the image, for every width but the bit.
+qint64 imageBytes(WidthClass width, qint64 length)
+{
+    switch (width) {
+    case WIDTH_BYTE:
+        return length;
+    case WIDTH_WORD:
+        return WORD_BYTES * length;
+    case WIDTH_DWORD:
+        return DWORD_BYTES * ((length + 1) / 2);
+    default:
+        return 0;
+    }
+}
+
+// --- Reading ---
+
+QByteArray readBits(const AreaImage &image, qint64 offset, int length)
+{
+    QByteArray bits;
+    bits.reserve(length);
+    for (qint64 bit = offset; bit < offset + length; ++bit)
+        bits.append(static_cast<char>(readByte(image, bit / BYTE_BITS) >> bit % BYTE_BITS & 1));
+    return bits;
+}
+
+QByteArray readBytes(const AreaImage &image, qint64 offset, int length, int paddedLength)
+{
+    QByteArray bytes(paddedLength, '\0');
+    char *const to = bytes.data();
+    for (int i = 0; i < length; ++i)
+        to[i] = static_cast<char>(readByte(image, offset + i));
+    return bytes;
+}
+
+QByteArray readUnits(const AreaImage &image, WidthClass width, int offset, int length)
+{
+    if (length < 1)
+        return QByteArray();
+    if (width == WIDTH_BIT)
+        return readBits(image, offset, length);
+    const int bytes = static_cast<int>(imageBytes(width, length));
+    // Hosts know a byte run by its double length, the second half 0.
+    return readBytes(image, offset, bytes, width == WIDTH_BYTE ? 2 * bytes : bytes);
+}
+
+// --- Writing to the store ---
+
+// The indices 0 <= first..last of a run of `length` that fall into [0, limit) when `offset` is
+// added.
+struct IndexRun {
+    qint64 first;
+    qint64 last; // exclusive
+
+    IndexRun(qint64 offset, qint64 length, qint64 limit)
+        : first(qMax<qint64>(0, -offset)),
+          last(qMin(length, limit - offset))
+    {
+    }
+};
+
+unsigned char valueByte(const QByteArray &value, qint64 index)
+{
+    return index < value.size() ? static_cast<unsigned char>(value.at(static_cast<int>(index))) : 0;
+}
+
+void writeBits(AreaImage &image, qint64 offset, qint64 length, const QByteArray &value)
+{
+    const IndexRun run(offset, length, static_cast<qint64>(LIMIT_IMAGE_BYTES) * BYTE_BITS);
+    if (run.first < run.last)
+        growImage(image, (offset + run.last - 1) / BYTE_BITS + 1);
+    for (qint64 i = run.first; i < run.last; ++i) {
+        const qint64 index = (offset + i) / BYTE_BITS;
+        const int bit = 1 << (offset + i) % BYTE_BITS;
+        const int byte = readByte(image, index);
+        const int changed = valueByte(value, i) != 0 ? byte | bit : byte & ~bit;
+        writeByte(image, index, static_cast<unsigned char>(changed));
+    }
+}
+
+void writeBytes(AreaImage &image, qint64 offset, qint64 length, const QByteArray &value)
+{
+    const IndexRun run(offset, length, LIMIT_IMAGE_BYTES);
+    if (run.first < run.last)
+        growImage(image, offset + run.last);
+    for (qint64 i = run.first; i < run.last; ++i)
+        writeByte(image, offset + i, valueByte(value, i));
+}
+
+// --- Writing to the device ---
+
+QByteArray partOf(const QByteArray &value, int start, int length)
+{
+    return value.mid(start, length).leftJustified(length, '\0');
+}
+
+// A piece's linear offset has to fit its record.
+bool leavesInt(WidthClass width, int offset, int length)
+{
+    const qint64 units = width == WIDTH_BIT ? length : imageBytes(width, length);
+    return offset + units - 1 > std::numeric_limits<int>::max();
+}
+
+int queuePiece(RW_VAR &record, int addr, int count, const QByteArray &value)
+{
+    record.addr = addr;
+    record.count = count;
+    record.value = value;
+    const int queued = AddListWriteVar(&record, QUEUE_CHECKED);
+    // While the line fails the builder leaves the store alone, so it is kept in step here.
+    if (PLC_driver.commFailed != 0)
+        WriteDataToLocal(&record);
+    return queued;
+}
+
+int queueSingles(RW_VAR &record, int offset, int length, const QByteArray &value)
+{
+    int queued = 0;
+    for (int i = 0; i < length; ++i)
+        queued = queuePiece(record, offset + i, 1, partOf(value, i, 1));
+    return queued;
+}
+
+int queueRegisters(RW_VAR &record, int offset, int registers, const QByteArray &value)
+{
+    const RegisterPieces pieces(registers, PLC_driver.comInfo->maxRegs);
+    int queued = 0;
+    for (int i = 0; i < pieces.count(); ++i) {
+        const int start = WORD_BYTES * pieces.start(i);
+        const int count = pieces.size(i);
+        queued =
+            queuePiece(record, offset + start, count, partOf(value, start, WORD_BYTES * count));
+    }
+    return queued;
+}
+
+int writeToDevice(RW_VAR &record, int offset, int length, const QByteArray &value)
+{
+    const WidthClass width = widthOf(record.varKind);
+    const bool hasRequest =
+        PLC_driver.comInfo->remoteMode != 0 || getPlcReg(record.varKind) != AREA_INPUT;
+    if (!hasRequest || leavesInt(width, offset, length))
+        return 0;
+    if (width == WIDTH_BIT || width == WIDTH_BYTE)
+        return queueSingles(record, offset, length, value);
+    const int registers = ToRegisterRange(record.varKind, offset, length).count;
+    return queueRegisters(record, offset, registers, value);
+}
+
+int writeToStore(RW_VAR &record, int offset, int length, const QByteArray &value)
+{
+    record.addr = offset;
+    record.count = length;
+    record.value = value;
+    WriteDataToLocal(&record);
+    return 1;
+}
+
+} // namespace
+
+void WriteDataToLocal(const RW_VAR *record)
+{
+    const WidthClass width = widthOf(record->varKind);
+    if (width == WIDTH_NONE)
+        return;
+    const QMutexLocker lock(&PLC_driver.storeMutex);
+    AreaImage &image = areaImage(record->station, getPlcReg(record->varKind));
+    if (width == WIDTH_BIT)
+        writeBits(image, record->addr, record->count, record->value);
+    else
+        writeBytes(image, record->addr, imageBytes(width, record->count), record->value);
+}
+
+int GetRegisterData(int, int kind, const QString &addrText, int station, QByteArray *output,
+                    int length)
+{
+    const int offset = StringAddressToInt(kind, addrText);
+    if (!output || offset < 0 || passesRegisterLimit(kind, offset, length))
+        return 0;
+    const QMutexLocker lock(&PLC_driver.storeMutex);
+    *output = readUnits(areaImage(station, getPlcReg(kind)), widthOf(kind), offset, length);
+    return 1;
+}
+
+int SetRegisterData(const QString &varName, int kind, const QString &addrText, int station,
+                    const QByteArray *value, int length, int ownerId, int ownerTag)
+{
+    const ComInfo *const info = PLC_driver.comInfo;
+    if (!info || !value)
+        return 0;
+    const int offset = StringAddressToInt(kind, addrText);
+    if (offset < 0 || passesRegisterLimit(kind, offset, length))
+        return 0;
+
+    RW_VAR record;
+    record.ownerId = ownerId;
+    record.ownerTag = ownerTag;
+    record.rwFlag = REQUEST_WRITE;
+    record.linkMode = info->remoteMode;
+    record.areaNo = info->localArea;
+    record.varName = varName;
+    record.addrText = addrText;
+    record.varKind = kind;
+    record.station = info->perVarStation != 0 ? station : info->defaultStation;
+    return info->commMode == COMM_DEVICE ? writeToDevice(record, offset, length, *value)
+                                         : writeToStore(record, offset, length, *value);
+}

@@ -1,0 +1,12 @@
+// The host's reads and writes of values.
+#ifndef STORE_FUNC_GET_OR_SET_DATA_H
+#define STORE_FUNC_GET_OR_SET_DATA_H
+
+#include "driver/records.h"
+
+/// Copies the value of a record in write form into the store; bytes that the value lacks are
+/// written as 0, bytes outside the image's limits not at all. Any thread; takes storeMutex; the
+/// caller may hold listMutex.
+void WriteDataToLocal(const RW_VAR *record);
+
+#endif
