@@ -1,5 +1,5 @@
 // The message handler that a host may install.
-#include "tests/driver_test.h"
+#include "tests/driver_under_test.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
 // The library as a file: loading, unloading, two copies, and what a host can hand in wrongly.
-#include "tests/driver_test.h"
+#include "tests/driver_under_test.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -115,11 +115,11 @@ TEST_F(LibraryTest, SetUpCalls)
 TEST_F(LibraryTest, CallbacksThatAreNotRegisteredAreNotCalled)
 {
     driver.RegistCallBackFuncIntf(nullptr, nullptr);
-    set(KIND_HOLDING_WORD, "0", "01 00", 1);
+    write(KIND_HOLDING_WORD, "0", 1, "01 00");
     next();
-    EXPECT_EQ(silence(), 41);
+    EXPECT_EQ(answer(""), 41);
     EXPECT_TRUE(core.writeList.isEmpty());
-    EXPECT_TRUE(events.empty());
+    EXPECT_EQ(takeEvents(), "none");
 }
 
 TEST_F(LibraryTest, WithoutComInfoNothingHappens)
@@ -127,30 +127,46 @@ TEST_F(LibraryTest, WithoutComInfoNothingHappens)
     rebuild("7:0:1 7:50:1");
     next();
     driver.SetComInfo(nullptr);
-    EXPECT_EQ(driver.ComCommunication(), nullptr);
+    EXPECT_EQ(next(), "none");
     EXPECT_EQ(answer(GOOD_READ), 1);
     EXPECT_EQ(core.pendingList.size(), 1);
     EXPECT_EQ(rebuild("7:9:1"), 0);
-    EXPECT_EQ(rangesOf(core.readList), "7[0,1) 7[50,51)");
-    RW_VAR record = once(KIND_HOLDING_WORD, "7", 1);
+    EXPECT_EQ(core.readList.size(), 2);
+    RW_VAR record;
+    record.varKind = KIND_HOLDING_WORD;
+    record.station = 3;
+    record.count = 5;
     EXPECT_EQ(driver.AddListOnceReadVar(&record, QUEUE_CHECKED), 0);
     EXPECT_EQ(record.varKind, KIND_HOLDING_WORD);
-    EXPECT_EQ(record.station, 1);
-    EXPECT_EQ(set(KIND_HOLDING_WORD, "0", "01 00", 1), 0);
+    EXPECT_EQ(record.station, 3);
+    EXPECT_EQ(write(KIND_HOLDING_WORD, "0", 1, "01 00"), 0);
     // The others work as ever.
     EXPECT_EQ(driver.AddListOnceReadVar(&record, QUEUE_UNCONDITIONALLY), 1);
     EXPECT_EQ(driver.AddListWriteVar(&record, QUEUE_CHECKED), 1);
-    EXPECT_EQ(stored(KIND_HOLDING_WORD, "0", 1), "00 00");
-    driver.SetComInfo(&info);
+    EXPECT_EQ(read(KIND_HOLDING_WORD, "0", 1), "00 00");
+    driver.SetComInfo(&link);
     EXPECT_EQ(answer(GOOD_READ), 1);
-    EXPECT_EQ(stored(KIND_HOLDING_WORD, "0", 1), "2A 00");
+    EXPECT_EQ(read(KIND_HOLDING_WORD, "0", 1), "2A 00");
+}
+
+TEST_F(LibraryTest, AnotherComInfoBetweenTheFramesOfAWriteLosesNothing)
+{
+    write(KIND_HOLDING_BIT, "4.5", 1, "01");
+    next();
+    ComInfo second = link;
+    second.frameTotal = 0;
+    driver.SetComInfo(&second);
+    EXPECT_EQ(answer(GOOD_READ), 1);
+    EXPECT_EQ(takeEvents(), "none");
+    EXPECT_EQ(next(), "01 10 00 02 00 01 02 00 2A 26 6D");
+    EXPECT_EQ(answer(GOOD_WRITE), 1);
+    EXPECT_EQ(takeEvents(), "done 9 0 0 1");
 }
 
 TEST_F(LibraryTest, NullPointersChangeNothing)
 {
     rebuild("7:0:1 7:50:1");
-    const RW_VAR record = write(KIND_HOLDING_WORD, 0, 1, "01 00");
-    driver.AddListWriteVar(&record, QUEUE_CHECKED);
+    write(KIND_HOLDING_WORD, "0", 1, "01 00");
     EXPECT_EQ(driver.ReCreatReadVarList(nullptr), 2);
     EXPECT_EQ(driver.AddListReadVar(nullptr), 2);
     for (const QUEUE_MODE mode : {QUEUE_CHECKED, QUEUE_UNCONDITIONALLY}) {
@@ -161,7 +177,8 @@ TEST_F(LibraryTest, NullPointersChangeNothing)
     EXPECT_EQ(driver.SetRegisterData("", KIND_HOLDING_WORD, "0", 1, nullptr, 1, 0, 0), 0);
     EXPECT_EQ(core.writeList.size(), 1);
     QList<RW_VAR> pieces;
-    RW_VAR whole = read(AREA_HOLDING, 0, 9);
+    RW_VAR whole;
+    whole.count = 9;
     driver.WhetherGroup(9, 3, nullptr, &pieces);
     driver.WhetherGroup(9, 3, &whole, nullptr);
     EXPECT_TRUE(pieces.isEmpty());

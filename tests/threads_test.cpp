@@ -1,5 +1,5 @@
 // Host threads beside the communication loop.
-#include "tests/driver_test.h"
+#include "tests/driver_under_test.h"
 
 #include <atomic>
 #include <thread>
@@ -13,8 +13,8 @@ TEST_F(ThreadsTest, NoReaderSeesHalfAReplyOrHalfAWrite)
     // 100 registers 0x1111, and 0x2222.
     QByteArray replies[] = {bytesFrom("01 03 C8") + QByteArray(200, '\x11') + bytesFrom("33 C0"),
                             bytesFrom("01 03 C8") + QByteArray(200, '\x22') + bytesFrom("A0 E1")};
-    info.maxRegs = 100;
-    info.commMode = COMM_STORE_ONLY;
+    link.maxRegs = 100;
+    link.commMode = COMM_STORE_ONLY;
     rebuild("7:0:100");
     std::atomic<bool> stop{false};
     std::atomic<int> torn{0};
@@ -37,7 +37,14 @@ TEST_F(ThreadsTest, NoReaderSeesHalfAReplyOrHalfAWrite)
     });
     std::thread queuer([&] {
         for (int i = 0; !stop; ++i) {
-            const RW_VAR record = write(KIND_HOLDING_BIT, 2000 + i % 64, 1, "01", 1, i);
+            RW_VAR record;
+            record.rwFlag = REQUEST_WRITE;
+            record.areaNo = link.localArea;
+            record.varKind = KIND_HOLDING_BIT;
+            record.station = 1;
+            record.addr = 2000 + i % 64;
+            record.count = 1;
+            record.value = "1";
             driver.AddListWriteVar(&record, QUEUE_CHECKED);
         }
     });
