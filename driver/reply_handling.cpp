@@ -146,9 +146,9 @@ void advanceList(bool local)
 // What a give-up takes with it: the queued entries of the same owner.
 void purge(QList<RW_VAR> &list)
 {
-    const RW_VAR &given = PLC_driver.retVar;
     const bool anyStation = PLC_driver.comInfo->perVarStation == 0;
-    const auto goes = [&given, anyStation](const RW_VAR &entry) {
+    const auto goes = [anyStation](const RW_VAR &entry) {
+        const RW_VAR &given = PLC_driver.retVar;
         return haveSameOwner(entry, given) && (anyStation || entry.station == given.station);
     };
     list.erase(std::remove_if(list.begin(), list.end(), goes), list.end());

@@ -153,6 +153,7 @@ private:
     bool poll(CommunicationLoop &loop, const char *title)
     {
         std::vector<Variable> variables;
+        variables.reserve(demoVariables.size());
         for (const DemoVariable &item : demoVariables)
             variables.push_back(item.variable);
         const bool complete = loop.readAll(TIME_LIMIT, itemsOf(variables));

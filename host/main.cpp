@@ -92,9 +92,7 @@ int run(Options &options)
     return pollDevice(options.poll) ? EXIT_GOOD : EXIT_DISAGREES;
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+int parseAndRun(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     Options options;
@@ -108,6 +106,15 @@ int main(int argc, char *argv[])
         return run(options);
     } catch (const CLI::ParseError &error) {
         return app.exit(error) == 0 ? EXIT_GOOD : EXIT_USAGE;
+    }
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    try {
+        return parseAndRun(argc, argv);
     } catch (const std::invalid_argument &error) {
         std::fprintf(stderr, "panelhost: %s\n", error.what());
         return EXIT_USAGE;

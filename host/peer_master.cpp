@@ -17,8 +17,10 @@ QString run(const QString &program, const QStringList &arguments)
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program, arguments);
     const bool finished = process.waitForFinished(PEER_TIMEOUT);
-    const QString output = QString::fromLocal8Bit(process.readAll());
-    if (!finished || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+    QString output = QString::fromLocal8Bit(process.readAll());
+    const bool good =
+        finished && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    if (!good)
         throw std::runtime_error(program.toStdString() + " " + arguments.join(' ').toStdString()
                                  + " failed: " + process.errorString().toStdString() + "\n"
                                  + output.toStdString());
@@ -41,26 +43,15 @@ std::vector<uint16_t> valuesIn(const QString &output)
 std::vector<uint16_t> readWithPeer(const QString &program, const QString &device, int station,
                                    int function, int first, int count)
 {
-    const QStringList arguments{"-m",
-                                "rtu",
-                                "-a",
-                                QString::number(station),
-                                "-b",
-                                "19200",
-                                "-P",
-                                "none",
-                                "-0",
-                                "-r",
-                                QString::number(first),
-                                "-c",
-                                QString::number(count),
-                                "-t",
-                                function == 4 ? "3:hex" : "4:hex",
-                                "-1",
-                                "-q",
-                                device};
+    const QString options =
+        QStringLiteral("-m rtu -a %1 -b 19200 -P none -0 -r %2 -c %3 -t %4:hex -1 -q")
+            .arg(station)
+            .arg(first)
+            .arg(count)
+            .arg(function == 4 ? 3 : 4);
+    const QStringList arguments = options.split(' ') + QStringList(device);
     const QString output = run(program, arguments);
-    const std::vector<uint16_t> values = valuesIn(output);
+    std::vector<uint16_t> values = valuesIn(output);
     if (values.size() != static_cast<size_t>(count))
         throw std::runtime_error(program.toStdString() + " did not print " + std::to_string(count)
                                  + " registers:\n" + output.toStdString());

@@ -60,7 +60,7 @@ QByteArray SerialLine::exchange(const QByteArray &frame, int replyLength)
     waitForSilence();
     discardInput(0);
     send(frame);
-    const QByteArray reply = receive(frame, replyLength);
+    QByteArray reply = receive(frame, replyLength);
     m_sinceLastByte.start();
     if (reply.size() < replyLength && !isException(reply, frame))
         discardInput(m_settings.replyTimeout);

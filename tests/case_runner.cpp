@@ -188,7 +188,7 @@ private:
     /// Takes one request off the line, well answered; what it was.
     QString serve()
     {
-        const QString frame = QString::fromStdString(next());
+        QString frame = QString::fromStdString(next());
         for (int i = 0; i < 2 && !core.pendingList.isEmpty(); ++i) {
             next();
             const bool isRead = core.pendingList.first().dataOffset == 3;
@@ -259,6 +259,7 @@ private:
         {"let", [this](Words &w) { setFields(w.fields(), m_numbers); return QString(); }},
         {"commFailed", [this](Words &) { return QString::number(core.commFailed); }},
         {"fail", [this](Words &) { core.commFailed = 1; return QString(); }},
+        {"merging", [this](Words &) { return QString::number(core.pendingMerge.active); }},
         {"empty", [this](Words &) { empty(); return QString(); }},
         {"address", [this](Words &w) {
              const int kind = w.number();

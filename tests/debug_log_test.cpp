@@ -93,12 +93,13 @@ TEST_F(DebugLogTest, AFileThatCannotBeOpened)
 TEST_F(DebugLogTest, LinesOfSeveralThreadsDoNotMix)
 {
     const QByteArray message(20000, 'x'); // longer than what a stream writes at once
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&] {
-            for (int j = 0; j < 25; ++j)
-                driver.customMessageHandler(QtDebugMsg, message.constData());
-        });
+    const auto logTwentyFive = [&] {
+        for (int i = 0; i < 25; ++i)
+            driver.customMessageHandler(QtDebugMsg, message.constData());
+    };
+    std::thread threads[4];
+    for (std::thread &thread : threads)
+        thread = std::thread(logTwentyFive);
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_PRED2(matches, log(), "(@x{20000}\n){100}");
