@@ -26,9 +26,8 @@ FrameBuilder writeBuilder()
 }
 
 // Builds the request of the first record whose station is enabled and brings that record to the
-// head. Records of disabled stations move to the end in their order; a record that gets no frame is
-// removed, since no reply would ever take it off. Each record is looked at once. Returns whether a
-// request was built.
+// head by rotating the list. A record that gets no frame is removed, since no reply would ever take
+// it off. Each record is looked at once. Returns whether a request was built.
 bool serveHead(QList<RW_VAR> &list, FrameBuilder build)
 {
     for (int left = list.size(); left > 0; --left) {

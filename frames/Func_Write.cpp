@@ -20,9 +20,11 @@ int registersOf(const RW_VAR &record)
     return record.count & 0xFFFF;
 }
 
+// A count that only fits once it has wrapped would write less than was asked and be reported done.
 bool fitsOneFrame(const RW_VAR &record)
 {
-    return WRITE_HEADER_BYTES + 2 * registersOf(record) + CHECK_BYTES <= LIMIT_FRAME_BYTES;
+    const int most = (LIMIT_FRAME_BYTES - WRITE_HEADER_BYTES - CHECK_BYTES) / REGISTER_BYTES;
+    return record.count <= most && registersOf(record) <= most;
 }
 
 void queueDirectWrite(const RW_VAR &record)

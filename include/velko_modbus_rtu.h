@@ -19,8 +19,10 @@
 // SetRegisterData.
 //
 // How to load it
-//   dlopen it by a path and fetch the entry points with dlsym under the names below; link it only
-//   where one serial line is all that the process will ever drive. One loaded file drives one line.
+//   Compile with QtCore's flags and -fPIC (pkg-config --cflags Qt5Core), as C++11 or newer. dlopen
+//   the library by a path and fetch the entry points with dlsym under the names below, as
+//   decltype(&SetComInfo) and so on; link it only where one serial line is all that the process
+//   will ever drive. One loaded file drives one line.
 //   For a second line load a second copy of the file (a copy, not a link: the loader recognises the
 //   same file); the two share nothing, whatever the flags of dlopen.
 //   The library also exports five data symbols: PLC_driver, DataStorage, LB, LW and RWI. They are
@@ -43,36 +45,45 @@
 //     byte kinds         "n": byte n; bytes 2r and 2r + 1 are register r, 2r being its low byte
 //     word kinds         "n": register n
 //     double-word kinds  "n": registers 2n and 2n + 1
-//   A text that is no number counts as 0, which is a valid address: "abc" reads register 0. A host
-//   that takes texts from people checks them itself. Addresses that come out negative, leave 32
-//   bits, or lack the one "." of a bit address are refused.
+//   A text that is no 32-bit number counts as 0, which is a valid address: "abc" and "99999999999"
+//   name register 0; so does each part of a bit address ("3." is "3.0"). A host that takes texts
+//   from people checks them itself. Refused are addresses that come out negative, whose linear
+//   offset leaves 32 bits, or that lack the one "." of a bit address.
 //
 // Locks and threads
 //   The library has three mutexes, none recursive, that it takes and releases inside its calls: one
 //   over the request lists ("list lock"), one over the store ("store lock"), one over the station
 //   table ("station lock"). Each entry point says which it takes. A callback runs with the list
-//   lock held.
+//   lock held. (The message handler has a lock of its own.)
 //
 // Null pointers
 //   Before SetComInfo, and after SetComInfo(0), the entry points that need the record do nothing:
 //   ComCommunication returns null; ReCreatReadVarList, SetRegisterData and the converting mode of
-//   AddListOnceReadVar return 0; DataCom returns its record with RESULT_GOOD. Any other null
-//   pointer changes nothing: the call returns 0, a list function the length of its list.
+//   AddListOnceReadVar return 0; DataCom returns its record with RESULT_GOOD. A null reply counts
+//   as an array of no bytes; null callbacks and the pointers of FlashLocalRegister are taken as
+//   they are. Any other null pointer changes nothing: the call returns 0, a list function the
+//   length of its list (so AddListWriteVar(0, QUEUE_CHECKED) asks for it).
 //
 // What a host trips over
-//   - A null from ComCommunication is not "idle": the turn that ends a burst of five writes, with
-//     nothing else to send, returns null while more writes are queued.
-//   - A given-up write is gone and has to be written again. So are the writes queued behind it with
-//     the same ownerId and ownerTag (and station, where perVarStation is set).
+//   - A null from ComCommunication is not "idle": the turn that ends a burst of five writes, or of
+//     five one-shot reads, returns null when there is nothing else to send, while more are queued.
+//   - A given-up write, or one-shot read, is gone and has to be made again. So are the entries
+//     queued behind it in the same list with the same ownerId and ownerTag (and station, where
+//     perVarStation is set): one report stands for all of them.
+//   - The store goes on showing a written value after its write was given up, and does not show one
+//     that was queued while the line was good and built while it was failing. The next read of the
+//     register puts either right.
 //   - A reply is judged by its length and its CRC alone, not by station or function. A late answer
 //     of the right length would be taken for the answer to the next request; so the host empties
 //     the line before it sends, above all after a time-out.
 //   - retryCount is never reset by a good reply: failures of different requests add up to a
-//   give-up.
-//     A host that wants a request to fail for its own failures only sets it to 0 in ComInfo after
-//     each finished request, on the communication thread.
+//     give-up. A host that wants a request to fail for its own failures only sets it to 0 in
+//     ComInfo after each finished request, on the communication thread.
+//   - cycleDone needs more good exchanges in a row than the list has entries. On a line that loses
+//     an answer now and then it may never become 1: DataCom's verdicts tell what was read.
 //   - Outside remote mode a write to station 0 (broadcast) waits for an answer that no slave gives:
-//     it is repeated and at last reported failed although the slaves obey it.
+//     it is repeated and at last reported failed although the slaves obey it. Of a bit or a byte
+//     only the read goes out, and nobody obeys.
 //   - On the line register numbers wrap at 65,536; the 5000 of the third area is included.
 //   - One function 16 frame carries at most 123 registers, one read at most 125. The library sends
 //     what maxRegs says; slaves refuse more.
@@ -83,6 +94,11 @@
 //     vanishes when its turn comes: no frame, no callback.
 //   - A bit or byte is written by reading its register and writing it back. What the PLC itself
 //     changes in that register between the two is overwritten.
+//   - Requests to a disabled station lose their order: each turn moves those that stand before the
+//     first enabled one to the end of their list. Of two writes to one register the older may then
+//     go out last; so a host does not queue writes to a station that it has disabled. What was on
+//     the line when the station was disabled is still brought to its end: repetitions, and the
+//     write half of a read-modify-write.
 //   - A pseudo-terminal (for tests) must be made raw before its first byte, and may still deliver
 //     bytes after a flush: read until it is quiet.
 //
@@ -144,9 +160,9 @@ enum REQUEST_STATUS { REQUEST_DONE = 1, REQUEST_GIVEN_UP = 2 };
 enum RESULT_CODE {
     RESULT_WILL_REPEAT = 0,           ///< failed; ComCommunication will return the frame again
     RESULT_GOOD = 1,                  ///< good exchange, or nothing was pending
-    RESULT_LOCAL_BAD_REPLY = 11,      ///< 11 to 22: CRC or buffer length wrong
+    RESULT_LOCAL_BAD_REPLY = 11,      ///< 11 to 22: wrong CRC, or an array shorter than told
     RESULT_LOCAL_NO_REPLY = 41,       ///< 41 to 52
-    RESULT_LOCAL_WRONG_LENGTH = 71,   ///< 71 to 82: an exception reply among them
+    RESULT_LOCAL_WRONG_LENGTH = 71,   ///< 71 to 82: an exception reply (5 bytes) among them
     RESULT_REMOTE_NOT_STORED = 100,   ///< good remote exchange whose data was not stored
     RESULT_REMOTE_BAD_REPLY = 111,    ///< 111 to 122
     RESULT_REMOTE_NO_REPLY = 141,     ///< 141 to 152
@@ -162,7 +178,8 @@ enum LIMIT {
     LIMIT_REGISTERS = 65536,
     /// Bytes of one area image. Bytes from here on are not written and read as 0.
     LIMIT_IMAGE_BYTES = 1 << 24,
-    /// Bytes of one frame. A write that would pass it gets none, and vanishes when its turn comes.
+    /// Bytes of one frame. A write that would pass it (of 32,764 registers or more) gets none, and
+    /// vanishes when its turn comes.
     LIMIT_FRAME_BYTES = 65535
 };
 
@@ -202,12 +219,14 @@ struct Protocol {
 /// otherwise. The record may be longer than declared here: the host may append its own fields.
 struct ComInfo {
     int hostWords[4] = {0, 0, 0, 0}; ///< the host's own; never touched
-    /// Registers per request at the most, 1 or more; less counts as 1. No ceiling is applied.
+    /// Registers per request at the most, 1 or more; less counts as 1. No ceiling is applied: what
+    /// a slave does not answer is given up. On the line the count of a read wraps at 65,536.
     /// Choose an even number up to 122 on a link that writes, up to 125 on one that only reads.
     int maxRegs = 0;
     int hostWord = 0; ///< the host's own; never touched
-    int defaultStation =
-        0;                 ///< station of every cyclic read; of the others where perVarStation is 0
+    /// Station of every item of a rebuild and, where perVarStation is 0, of what
+    /// AddListOnceReadVar converts and SetRegisterData writes. Other records keep their own.
+    int defaultStation = 0;
     int retryLimit = 0;    ///< failed exchanges tolerated; the next one gives the request up
     int retryCount = 0;    ///< (driver) failed exchanges since the last give-up
     int perVarStation = 0; ///< not 0: one-shot reads and writes keep their own station
@@ -218,10 +237,11 @@ struct ComInfo {
     int remoteMode = 0;    ///< not 0: requests go out in the library's remote format
     int localArea = 0;     ///< the link's own area number
     int commMode = 0;      ///< COMM_...: whether SetRegisterData writes to the device
-    /// (driver) 1 once more good requests, of any kind, than the cyclic list has entries were
-    /// counted since it was 0, or when there was nothing to send; 0 after every failed exchange and
-    /// after a rebuild of the list (on the thread that rebuilds). Read it on the communication
-    /// thread. Writes count as well, so it shows a full pass only while nothing else is going on.
+    /// (driver) 1 once more requests of the own area, reads or writes, than the cyclic list has
+    /// entries were answered well with no failed exchange among them, or when there was nothing to
+    /// send; 0 after every failed exchange and after a rebuild of the list (on the thread that
+    /// rebuilds). Read it on the communication thread. It shows a full pass of the list only while
+    /// nothing else is going on.
     int cycleDone = 0;
     int linkId = 0; ///< first argument of RequestDoneFunc
 };
@@ -336,18 +356,19 @@ VELKO_API int QueryFinishFlag(void);
 /// then the cyclic list; after five turns in a row a list waits until the cyclic list had its turn.
 /// Requests to disabled stations wait. The same frame is returned again until DataCom has taken it
 /// off: after a failed exchange that is how it is repeated. The record is the driver's and valid
-/// until the next DataCom. Takes the list lock; inside it the station lock and, for writes, the
-/// store lock.
+/// until DataCom is called, not beyond: copy what is needed afterwards. Takes the list lock; inside
+/// it the station lock and, for writes, the store lock.
 /// A null is no sign that nothing is queued: call again.
 VELKO_API const Protocol *ComCommunication(void);
 
 /// Judges the answer to the frame that ComCommunication returned, stores what it carries, and
 /// finishes, repeats or gives up the request. `reply`: the received bytes; the host's, read only,
-/// not kept. `bytesReceived`: their number; 0 when none came. Only the first `bytesReceived` bytes
-/// count; more than the array holds, or less than 0, is a failed exchange.
-/// Returns the driver's own record, valid until the next DataCom. Its retCode is the verdict
-/// (RESULT_...). Its other fields, `value` empty, are those of the request only when this call
-/// finished or gave up a request; else those of an earlier one.
+/// not kept; null counts as no bytes. `bytesReceived`: their number; 0 when none came. Only the
+/// first `bytesReceived` bytes count; more than the array holds, or less than 0, is a failed
+/// exchange. Returns the driver's own record, valid until the next DataCom. Its retCode is the
+/// verdict (RESULT_...). Its other fields, `value` empty, change only when this call finished or
+/// gave up a request: they are then the request's, or, for a cyclic read during which the list was
+/// rebuilt, those of the new list's first entry (of none when that list is empty).
 /// Takes the store lock, then the list lock; calls the callbacks under the latter.
 VELKO_API const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived);
 
@@ -356,39 +377,45 @@ VELKO_API const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived);
 /// Rebuilds the cyclic read list from the host's items: each becomes a range of registers; ranges
 /// of one area that touch, overlap or start within maxRegs registers of one another are merged, and
 /// cut to at most maxRegs registers. Every item gets ComInfo's defaultStation; with 0 the list
-/// stays empty. An item is left out when its address is invalid, when it covers no register, or
-/// more than LIMIT_REGISTERS. Restarts the cycle (cycleDone 0), unless the host's list is empty.
+/// stays empty. An item is left out when its address is invalid and when it covers more than
+/// LIMIT_REGISTERS; one that covers none makes no request of its own, but can lengthen the one that
+/// it is merged into. Restarts the cycle (cycleDone 0), unless the host's list is empty.
 /// `items` is the host's, read only, not kept. Returns the number of requests in the list.
 /// Any thread. Takes the list lock for its whole run.
 VELKO_API int ReCreatReadVarList(const QList<VAR_ITEM> *items);
 
 /// Appends a copy of a ready-made read request to the cyclic list, unchecked: varKind an AREA_...,
 /// addr the register, count the registers (on the line they count modulo 65,536), rwFlag
-/// REQUEST_READ, areaNo ComInfo's localArea. Returns the list's new length. Takes NO lock: only
-/// between two exchanges, on the communication thread or while it is not running.
+/// REQUEST_READ, areaNo ComInfo's localArea. Returns the list's new length. Takes NO lock: only on
+/// the communication thread between two exchanges, or while that thread is not running, and never
+/// while another thread is in ReCreatReadVarList.
 VELKO_API int AddListReadVar(const RW_VAR *request);
 
 /// Queues a copy of a write: varKind a KIND_..., addr the linear offset, count the length in the
 /// kind's units (bits and bytes go out one per record: count 1), value its bytes (missing ones
-/// count as 0), rwFlag REQUEST_WRITE, areaNo ComInfo's localArea. QUEUE_UNCONDITIONALLY appends.
-/// QUEUE_CHECKED overwrites the queued write of the same station, varKind, addr and count, except
-/// at the head, which may be on the line; else appends, and drops the write silently when
-/// LIMIT_QUEUE_ENTRIES are queued. Returns the queue's length, which does not tell a drop. Any
-/// thread. Takes the list lock.
+/// count as 0), rwFlag REQUEST_WRITE, station, ownerId, ownerTag, areaNo ComInfo's localArea.
+/// QUEUE_UNCONDITIONALLY appends. QUEUE_CHECKED overwrites the queued write of the same station,
+/// varKind, addr and count, except at the head, which may be on the line; nothing reports a write
+/// that was overwritten. Else it appends, and drops the write silently when LIMIT_QUEUE_ENTRIES are
+/// queued. Returns the queue's length, which does not tell a drop. Any thread. Takes the list lock.
 VELKO_API int AddListWriteVar(const RW_VAR *request, int mode);
 
 /// Queues a read that is made once. QUEUE_UNCONDITIONALLY appends a copy of a ready-made request
 /// (as AddListReadVar). QUEUE_CHECKED converts: varKind is a KIND_..., addrText the address, count
-/// the length in the kind's units; it is cut to maxRegs registers. Pieces that are queued already
-/// (same ownerId, ownerTag, station, varKind, addr, count) are not queued again, and pieces are
-/// dropped silently when LIMIT_QUEUE_ENTRIES are queued. The caller's record is rewritten to the
-/// register range of the last piece. Returns the queue's length; 0 for an invalid address, station
-/// 0, a negative length or one of more than LIMIT_REGISTERS. Any thread. Takes the list lock.
+/// the length in the kind's units, rwFlag REQUEST_READ, station, ownerId, ownerTag, areaNo
+/// ComInfo's localArea (with any other the value is not stored and the end not reported). It is cut
+/// to maxRegs registers; the last piece reports for all. Pieces that are queued already (same
+/// ownerId, ownerTag, station, varKind, addr, count) are not queued again, and pieces are dropped
+/// silently when LIMIT_QUEUE_ENTRIES are queued. The caller's record is rewritten to the register
+/// range of the last piece, its station to defaultStation unless perVarStation is set.
+/// Returns the queue's length; 0 for an invalid kind or address, station 0, a negative length or
+/// one of more than LIMIT_REGISTERS. A length of 0 queues nothing, unless a bit or byte begins
+/// inside a register. Any thread. Takes the list lock.
 VELKO_API int AddListOnceReadVar(RW_VAR *request, int mode);
 
 /// Disables (enable 0) or enables (1) a station; other values of `enable` do nothing. A negative
-/// station enables all. Requests to a disabled station stay queued, in their order, and stored
-/// values stay. Any thread. Takes the station lock.
+/// station enables all, whatever `enable` says. Requests to a disabled station stay queued, though
+/// not in their order, and stored values stay. Any thread. Takes the station lock.
 VELKO_API void EnCommStation(int station, int enable);
 
 // --- Values ---
@@ -410,15 +437,16 @@ VELKO_API int GetRegisterData(int unused, int kind, const QString &addrText, int
 /// Writes `length` units of a kind. `value` (the host's, read only, not kept) is laid out as
 /// GetRegisterData delivers it, any byte but 0 being a set bit; bytes that it lacks count as 0.
 /// In store-only mode the value goes to the store and the result is 1.
-/// In device mode (COMM_DEVICE) it is queued: bits and bytes one record each, words and double
-/// words in pieces of at most maxRegs registers, each reported through RequestDoneFunc; the store
-/// shows it when its request is built, or at once while the line is failing. The result is the
-/// length of the write queue, or 0 when nothing was queued. A full queue drops pieces silently: a
-/// host that must know compares the result with LIMIT_QUEUE_ENTRIES beforehand. Returns 0, with
-/// nothing changed, for an invalid address and for a length of more than LIMIT_REGISTERS; in device
-/// mode also for a run whose last linear offset leaves 32 bits and, outside remote mode, for the
-/// input area. `station` counts where ComInfo's perVarStation is set, else defaultStation. Any
-/// thread. Takes the list lock, then the store lock, never both.
+/// In device mode (COMM_DEVICE) it is queued as by AddListWriteVar with QUEUE_CHECKED: bits and
+/// bytes one record each, words and double words in pieces of at most maxRegs registers. All carry
+/// ownerId and ownerTag, so the last one reports for the call. The store shows the value when its
+/// request is built, or at once when the last exchange has failed. The result is the length of the
+/// write queue, or 0 when nothing was queued. A full queue drops pieces silently: a host that must
+/// know asks for the length first and leaves room for all pieces.
+/// Returns 0, with nothing changed, for an invalid address and for a length of more than
+/// LIMIT_REGISTERS; in device mode also when a piece's linear offset would leave 32 bits and,
+/// outside remote mode, for the input area. `station` counts where ComInfo's perVarStation is set,
+/// else defaultStation. Any thread. Takes the list lock, then the store lock, never both.
 VELKO_API int SetRegisterData(const QString &varName, int kind, const QString &addrText,
                               int station, const QByteArray *value, int length, int ownerId,
                               int ownerTag);
@@ -427,9 +455,10 @@ VELKO_API int SetRegisterData(const QString &varName, int kind, const QString &a
 
 // --- Under C++ names ---
 
-/// Writes a message as one line, time stamp first, to "debug.log" in the working directory; the
-/// first one after loading empties the file. A message that cannot be written is lost silently. A
-/// host installs it as Qt 4 message handler, and must install another before it unloads the
+/// Appends a time stamp, ":", the message as it is and a line end to "debug.log" in the working
+/// directory; the first one after loading empties the file. A message that cannot be written is
+/// lost silently. A host installs it as Qt 4's message handler (with Qt 5 from within one of its
+/// own, which hands the message on in Latin-1), and must install another before it unloads the
 /// library. dlsym name: _Z20customMessageHandler9QtMsgTypePKc. Any thread; a lock of its own.
 VELKO_API void customMessageHandler(QtMsgType type, const char *message);
 

@@ -38,10 +38,7 @@ void SaveToLocalDataErea(const QByteArray *reply)
         return;
     const QByteArray data = swappedRegisters(*reply, READ_HEADER_BYTES, registers);
     const qint64 first = 2 * static_cast<qint64>(request.addr);
-    AreaImage &image = areaImage(request.station, request.varKind);
-    growImage(image, first + data.size());
-    for (int i = 0; i < data.size(); ++i)
-        writeByte(image, first + i, static_cast<unsigned char>(data.at(i)));
+    writeBytes(areaImage(request.station, request.varKind), first, data.size(), data);
 }
 
 void SpecialRegisterSave(const QByteArray *reply)

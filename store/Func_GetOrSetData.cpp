@@ -63,49 +63,6 @@ QByteArray readUnits(const AreaImage &image, WidthClass width, int offset, int l
     return readBytes(image, offset, bytes, width == WIDTH_BYTE ? 2 * bytes : bytes);
 }
 
-// --- Writing to the store ---
-
-// The indices 0 <= first..last of a run of `length` that fall into [0, limit) when `offset` is
-// added.
-struct IndexRun {
-    qint64 first;
-    qint64 last; // exclusive
-
-    IndexRun(qint64 offset, qint64 length, qint64 limit)
-        : first(qMax<qint64>(0, -offset)),
-          last(qMin(length, limit - offset))
-    {
-    }
-};
-
-unsigned char valueByte(const QByteArray &value, qint64 index)
-{
-    return index < value.size() ? static_cast<unsigned char>(value.at(static_cast<int>(index))) : 0;
-}
-
-void writeBits(AreaImage &image, qint64 offset, qint64 length, const QByteArray &value)
-{
-    const IndexRun run(offset, length, static_cast<qint64>(LIMIT_IMAGE_BYTES) * BYTE_BITS);
-    if (run.first < run.last)
-        growImage(image, (offset + run.last - 1) / BYTE_BITS + 1);
-    for (qint64 i = run.first; i < run.last; ++i) {
-        const qint64 index = (offset + i) / BYTE_BITS;
-        const int bit = 1 << (offset + i) % BYTE_BITS;
-        const int byte = readByte(image, index);
-        const int changed = valueByte(value, i) != 0 ? byte | bit : byte & ~bit;
-        writeByte(image, index, static_cast<unsigned char>(changed));
-    }
-}
-
-void writeBytes(AreaImage &image, qint64 offset, qint64 length, const QByteArray &value)
-{
-    const IndexRun run(offset, length, LIMIT_IMAGE_BYTES);
-    if (run.first < run.last)
-        growImage(image, offset + run.last);
-    for (qint64 i = run.first; i < run.last; ++i)
-        writeByte(image, offset + i, valueByte(value, i));
-}
-
 // --- Writing to the device ---
 
 QByteArray partOf(const QByteArray &value, int start, int length)
@@ -113,11 +70,10 @@ QByteArray partOf(const QByteArray &value, int start, int length)
     return value.mid(start, length).leftJustified(length, '\0');
 }
 
-// A piece's linear offset has to fit its record.
-bool leavesInt(WidthClass width, int offset, int length)
+// A piece's linear offset has to fit its record. `last` is that of the last piece, from `offset` on.
+bool leavesInt(int offset, int last)
 {
-    const qint64 units = width == WIDTH_BIT ? length : imageBytes(width, length);
-    return offset + units - 1 > std::numeric_limits<int>::max();
+    return offset > std::numeric_limits<int>::max() - last;
 }
 
 int queuePiece(RW_VAR &record, int addr, int count, const QByteArray &value)
@@ -134,6 +90,8 @@ int queuePiece(RW_VAR &record, int addr, int count, const QByteArray &value)
 
 int queueSingles(RW_VAR &record, int offset, int length, const QByteArray &value)
 {
+    if (length < 1 || leavesInt(offset, length - 1))
+        return 0;
     int queued = 0;
     for (int i = 0; i < length; ++i)
         queued = queuePiece(record, offset + i, 1, partOf(value, i, 1));
@@ -143,6 +101,8 @@ int queueSingles(RW_VAR &record, int offset, int length, const QByteArray &value
 int queueRegisters(RW_VAR &record, int offset, int registers, const QByteArray &value)
 {
     const RegisterPieces pieces(registers, PLC_driver.comInfo->maxRegs);
+    if (pieces.count() < 1 || leavesInt(offset, WORD_BYTES * pieces.start(pieces.count() - 1)))
+        return 0;
     int queued = 0;
     for (int i = 0; i < pieces.count(); ++i) {
         const int start = WORD_BYTES * pieces.start(i);
@@ -155,11 +115,9 @@ int queueRegisters(RW_VAR &record, int offset, int registers, const QByteArray &
 
 int writeToDevice(RW_VAR &record, int offset, int length, const QByteArray &value)
 {
+    if (PLC_driver.comInfo->remoteMode == 0 && getPlcReg(record.varKind) == AREA_INPUT)
+        return 0; // there is no request that writes it
     const WidthClass width = widthOf(record.varKind);
-    const bool hasRequest =
-        PLC_driver.comInfo->remoteMode != 0 || getPlcReg(record.varKind) != AREA_INPUT;
-    if (!hasRequest || leavesInt(width, offset, length))
-        return 0;
     if (width == WIDTH_BIT || width == WIDTH_BYTE)
         return queueSingles(record, offset, length, value);
     const int registers = ToRegisterRange(record.varKind, offset, length).count;

@@ -4,19 +4,46 @@
 
 #include <cstring>
 
-AreaImage &areaImage(int station, int areaCode)
+namespace
 {
-    return DataStorage[station][areaCode];
-}
 
+const int BYTE_BITS = 8;
+
+// The part of a run, counted from its beginning, that falls into [0, limit).
+struct Inside {
+    qint64 first;
+    qint64 last; // exclusive
+
+    Inside(qint64 start, qint64 length, qint64 limit)
+        : first(qMax<qint64>(0, -start)),
+          last(qMin(length, limit - start))
+    {
+    }
+
+    bool isEmpty() const { return first >= last; }
+};
+
+// `bytes` is 1 to LIMIT_IMAGE_BYTES.
 void growImage(AreaImage &image, qint64 bytes)
 {
     const int oldSize = image.size();
-    const int newSize = static_cast<int>(qMin<qint64>(bytes, LIMIT_IMAGE_BYTES));
+    const int newSize = static_cast<int>(bytes);
     if (newSize <= oldSize)
         return;
     image.resize(newSize);
     std::memset(image.data() + oldSize, 0, static_cast<size_t>(newSize - oldSize));
+}
+
+char byteOrZero(const QByteArray &bytes, qint64 index)
+{
+    return index < bytes.size() ? bytes.at(static_cast<int>(index)) : '\0';
+}
+
+} // namespace
+
+AreaImage &areaImage(int station, int areaCode)
+{
+    return DataStorage[station][areaCode];
 }
 
 unsigned char readByte(const AreaImage &image, qint64 index)
@@ -26,10 +53,27 @@ unsigned char readByte(const AreaImage &image, qint64 index)
     return static_cast<unsigned char>(image.at(static_cast<int>(index)));
 }
 
-void writeByte(AreaImage &image, qint64 index, unsigned char byte)
+void writeBytes(AreaImage &image, qint64 index, qint64 length, const QByteArray &bytes)
 {
-    if (index < 0 || index >= LIMIT_IMAGE_BYTES)
+    const Inside run(index, length, LIMIT_IMAGE_BYTES);
+    if (run.isEmpty())
         return;
-    growImage(image, index + 1);
-    image.data()[index] = static_cast<char>(byte);
+    growImage(image, index + run.last);
+    char *const to = image.data();
+    for (qint64 i = run.first; i < run.last; ++i)
+        to[index + i] = byteOrZero(bytes, i);
+}
+
+void writeBits(AreaImage &image, qint64 bit, qint64 length, const QByteArray &bytes)
+{
+    const Inside run(bit, length, static_cast<qint64>(LIMIT_IMAGE_BYTES) * BYTE_BITS);
+    if (run.isEmpty())
+        return;
+    growImage(image, (bit + run.last - 1) / BYTE_BITS + 1);
+    char *const to = image.data();
+    for (qint64 i = run.first; i < run.last; ++i) {
+        char &byte = to[(bit + i) / BYTE_BITS];
+        const int mask = 1 << (bit + i) % BYTE_BITS;
+        byte = static_cast<char>(byteOrZero(bytes, i) != 0 ? byte | mask : byte & ~mask);
+    }
 }

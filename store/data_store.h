@@ -9,15 +9,15 @@
 /// held.
 AreaImage &areaImage(int station, int areaCode);
 
-/// Grows an image, with bytes 0, to at least `bytes`, or to LIMIT_IMAGE_BYTES. Callers that write a
-/// run grow once and then write.
-void growImage(AreaImage &image, qint64 bytes);
-
 /// The byte at an index; 0 for one that the image does not hold.
 unsigned char readByte(const AreaImage &image, qint64 index);
 
-/// Sets the byte at an index, growing the image to hold it. An index below 0, or from
-/// LIMIT_IMAGE_BYTES on, is left alone.
-void writeByte(AreaImage &image, qint64 index, unsigned char byte);
+/// Writes `length` bytes from an index on, those of `bytes` and 0 for each that it lacks, and grows
+/// the image once to hold them. What lies below 0, or from LIMIT_IMAGE_BYTES on, is left out.
+void writeBytes(AreaImage &image, qint64 index, qint64 length, const QByteArray &bytes);
+
+/// The same for bits: bit i of the run is set when byte i of `bytes` is not 0. `bit` counts from the
+/// lowest bit of the image's first byte. The other bits keep their values.
+void writeBits(AreaImage &image, qint64 bit, qint64 length, const QByteArray &bytes);
 
 #endif

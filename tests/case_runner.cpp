@@ -314,8 +314,10 @@ private:
         {"group", [this](Words &w) { return cutGroup(w); }},
         {"imageSize", [this](Words &w) {
              const int area = w.number();
+             int station = 1;
+             setFields(w.fields(), {{"station", &station}});
              const auto &images = *static_cast<StationImages *>(driver.symbol("DataStorage"));
-             return QString::number(images[1][area].size());
+             return QString::number(images[station][area].size());
          }}};
     // clang-format on
 
