@@ -1,13 +1,24 @@
 #include "host/communication_loop.h"
 
+#include "host/replies.h"
+
 #include <QElapsedTimer>
 #include <QThread>
+
+#include <algorithm>
 
 namespace
 {
 
 // A turn without a request costs nothing on the line; without a pause it would cost the processor.
 const int IDLE_PAUSE = 1; // milliseconds
+
+const int CYCLIC_OWNER_TAG = -1;
+
+bool isGood(int resultCode)
+{
+    return resultCode == RESULT_GOOD || resultCode == RESULT_REMOTE_NOT_STORED;
+}
 
 } // namespace
 
@@ -18,47 +29,55 @@ CommunicationLoop::CommunicationLoop(const DriverLibrary &driver, ComInfo &link,
 {
 }
 
-Turn CommunicationLoop::turn()
+void CommunicationLoop::turn()
 {
-    const Protocol *const request = m_driver.ComCommunication();
-    if (!request) {
+    const Protocol *const pending = m_driver.ComCommunication();
+    if (!pending) {
         QThread::msleep(IDLE_PAUSE);
-        return Turn::Nothing;
+        return;
     }
-    const QByteArray reply = m_line.exchange(request->frame, request->replyLen);
-    ++m_counters.sent;
-    const Turn result = judge(m_driver.DataCom(&reply, reply.size())->retCode);
+    const Protocol request = *pending; // gone once DataCom is called
+    const QByteArray reply = m_line.exchange(request.frame, request.replyLen);
+    const int resultCode = m_driver.DataCom(&reply, reply.size())->retCode;
+    count(resultCode);
     // The driver adds up the failures of all requests; each is to be given up for its own alone.
-    if (result == Turn::Good && m_link.frameDone >= m_link.frameTotal)
+    if (isGood(resultCode) && m_link.frameDone >= m_link.frameTotal)
         m_link.retryCount = 0;
-    return result;
+    if (request.var.ownerTag == CYCLIC_OWNER_TAG)
+        m_reads.note(request.var, isGood(resultCode)
+                                      ? std::string()
+                                      : refusalOf(reply, request.frame, request.replyLen));
 }
 
-Turn CommunicationLoop::judge(int resultCode)
+void CommunicationLoop::count(int resultCode)
 {
-    switch (resultCode) {
-    case RESULT_GOOD:
-    case RESULT_REMOTE_NOT_STORED:
+    ++m_counters.sent;
+    if (isGood(resultCode))
         ++m_counters.good;
-        return Turn::Good;
-    case RESULT_WILL_REPEAT:
+    else if (resultCode == RESULT_WILL_REPEAT)
         ++m_counters.repeated;
-        return Turn::Repeated;
-    default:
+    else
         ++m_counters.givenUp;
-        return Turn::GivenUp;
-    }
 }
 
-bool CommunicationLoop::readAll(int milliseconds, const QList<VAR_ITEM> &items)
+bool CommunicationLoop::readAll(const std::vector<Variable> &variables, int milliseconds)
 {
-    m_driver.ReCreatReadVarList(&items); // starts a new cycle
+    m_reads = ReadStates();
+    const QList<VAR_ITEM> items = itemsOf(variables);
+    m_driver.ReCreatReadVarList(&items);
     QElapsedTimer timer;
     timer.start();
-    while (!m_link.cycleDone) {
+    while (!areRead(variables)) {
         if (timer.hasExpired(milliseconds))
             return false;
         turn();
     }
     return true;
+}
+
+bool CommunicationLoop::areRead(const std::vector<Variable> &variables) const
+{
+    return std::all_of(variables.begin(), variables.end(), [this](const Variable &variable) {
+        return m_reads.refusalOf(registersOf(variable)).empty();
+    });
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/driver_library.h"
+#include "host/read_states.h"
 #include "host/serial_line.h"
 
 struct LineCounters {
@@ -11,29 +12,33 @@ struct LineCounters {
     int givenUp = 0;
 };
 
-enum class Turn { Nothing, Good, Repeated, GivenUp };
-
 class CommunicationLoop
 {
 public:
     /// All three are the caller's and outlive the loop.
     CommunicationLoop(const DriverLibrary &driver, ComInfo &link, SerialLine &line);
 
-    /// At most one exchange. Turn::Nothing means that this turn had nothing to send; writes may
-    /// still be queued, so it is no sign of having finished. One thread calls this.
-    Turn turn();
+    /// At most one exchange; none when this turn had nothing to send. That is no sign of having
+    /// finished: writes may still be queued. One thread calls this.
+    void turn();
 
-    /// Turns until the cyclic list has been read once more, for `milliseconds` at the most; false
-    /// when that time ran out. Writes and one-shot reads must not be under way.
-    bool readAll(int milliseconds, const QList<VAR_ITEM> &items);
+    /// Makes these variables the cyclic list and takes turns until each was read, for
+    /// `milliseconds` at the most; false when that time ran out. Not by ComInfo's cycleDone: on a
+    /// line that loses an answer now and then that may never come true.
+    bool readAll(const std::vector<Variable> &variables, int milliseconds);
+
+    /// Of the reads since readAll was called.
+    const ReadStates &reads() const { return m_reads; }
 
     const LineCounters &counters() const { return m_counters; }
 
 private:
-    Turn judge(int resultCode);
+    void count(int resultCode);
+    bool areRead(const std::vector<Variable> &variables) const;
 
     const DriverLibrary &m_driver;
     ComInfo &m_link;
     SerialLine &m_line;
+    ReadStates m_reads;
     LineCounters m_counters;
 };

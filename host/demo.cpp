@@ -110,6 +110,8 @@ public:
           m_plc(STATION),
           m_driver(settings.library)
     {
+        if (!settings.peer.isEmpty())
+            requirePeer(settings.peer);
         m_link.maxRegs = settings.maxRegs;
         m_link.defaultStation = STATION;
         m_link.retryLimit = 2;
@@ -156,7 +158,7 @@ private:
         variables.reserve(demoVariables.size());
         for (const DemoVariable &item : demoVariables)
             variables.push_back(item.variable);
-        const bool complete = loop.readAll(TIME_LIMIT, itemsOf(variables));
+        const bool complete = loop.readAll(variables, TIME_LIMIT);
         expect(complete, "the cyclic list was not read within the time limit");
         std::printf("\n%s\n", title);
         printRow("variable", "address", "panel", "PLC");

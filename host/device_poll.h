@@ -14,6 +14,6 @@ struct PollSettings {
     int seconds = 5;
 };
 
-/// Polls and prints the values and what the line did. True when every variable was read at least
-/// once and no request was given up. Throws std::runtime_error.
+/// Polls and prints the values, why others could not be read, and what the line did. True when every
+/// variable was read and no request was given up. Throws std::runtime_error.
 bool pollDevice(const PollSettings &settings);

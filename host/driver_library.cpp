@@ -2,13 +2,39 @@
 
 #include <dlfcn.h>
 
+#include <elf.h>
+#include <link.h>
+
+#include <cstring>
+#include <fstream>
 #include <stdexcept>
 
 namespace
 {
 
+// The loader maps what a file's header promises; of a file that was cut short it would touch pages
+// that are not there, and the process would die.
+void checkWhole(const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    ElfW(Ehdr) header;
+    if (!file.read(reinterpret_cast<char *>(&header), sizeof header)
+        || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
+        throw std::runtime_error("cannot load the driver: " + path
+                                 + " cannot be read, or is no shared library");
+    file.seekg(0, std::ios::end);
+    const auto size = static_cast<unsigned long long>(file.tellg());
+    if (size
+        < header.e_shoff + static_cast<unsigned long long>(header.e_shnum) * header.e_shentsize)
+        throw std::runtime_error("cannot load the driver: " + path + " was cut short");
+}
+
 void *load(const std::string &path, int flags)
 {
+    if (path.find('/') == std::string::npos)
+        throw std::runtime_error("cannot load the driver: \"" + path
+                                 + "\" is no path; write ./NAME for a file in this folder");
+    checkWhole(path);
     void *const handle = dlopen(path.c_str(), RTLD_NOW | flags);
     if (!handle)
         throw std::runtime_error("cannot load the driver: " + std::string(dlerror()));

@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <QStringList>
 
 #include <stdexcept>
@@ -21,9 +22,11 @@ QString run(const QString &program, const QStringList &arguments)
     const bool good =
         finished && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     if (!good)
-        throw std::runtime_error(program.toStdString() + " " + arguments.join(' ').toStdString()
-                                 + " failed: " + process.errorString().toStdString() + "\n"
-                                 + output.toStdString());
+        throw std::runtime_error(
+            program.toStdString() + " " + arguments.join(' ').toStdString()
+            + (finished ? " ended with status " + std::to_string(process.exitCode()) + "\n"
+                        : " did not end in time\n")
+            + output.toStdString());
     return output;
 }
 
@@ -39,6 +42,13 @@ std::vector<uint16_t> valuesIn(const QString &output)
 }
 
 } // namespace
+
+void requirePeer(const QString &program)
+{
+    if (QStandardPaths::findExecutable(program).isEmpty())
+        throw std::runtime_error("there is no program " + program.toStdString()
+                                 + ": install it (Debian has mbpoll), or leave --peer out");
+}
 
 std::vector<uint16_t> readWithPeer(const QString &program, const QString &device, int station,
                                    int function, int first, int count)

@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <vector>
 
+/// Throws std::runtime_error where the program is not installed.
+void requirePeer(const QString &program);
+
 /// Reads `count` registers, 1 to 125, from register `first` (as numbered on the line) of a station.
 /// `function` is 3 or 4. The device must not be open elsewhere. Throws std::runtime_error that says
 /// what the program answered.

@@ -1,5 +1,9 @@
 #include "host/serial_line.h"
 
+#include "host/replies.h"
+
+#include <QFileInfo>
+
 #include <chrono>
 #include <stdexcept>
 #include <thread>
@@ -13,9 +17,6 @@ const int BYTE_TIMEOUT = 50; // milliseconds
 // An answer that comes later than the time-out would be taken for the answer to the next request,
 // so after a time-out the line has to be quiet for a while. A chattering line is not waited for.
 const int MAX_DISCARDS = 100;
-
-const int EXCEPTION_REPLY_BYTES = 5;
-const int EXCEPTION_FLAG = 0x80;
 
 QSerialPort::Parity parityOf(char letter)
 {
@@ -35,23 +36,37 @@ qint64 silenceMicroseconds(int baudRate)
     return baudRate > 19200 ? 1750 : 38500000LL / baudRate;
 }
 
-bool isException(const QByteArray &reply, const QByteArray &frame)
+// QSerialPort looks for a bare name among the system's devices only.
+QString pathOf(const QString &device)
 {
-    return reply.size() == EXCEPTION_REPLY_BYTES
-           && static_cast<unsigned char>(reply.at(1))
-                  == (static_cast<unsigned char>(frame.at(1)) | EXCEPTION_FLAG);
+    const QFileInfo file(device);
+    return file.exists() ? file.absoluteFilePath() : device;
+}
+
+// Why a port cannot be opened, and what to do.
+std::string adviceOn(const QSerialPort &port)
+{
+    switch (port.error()) {
+    case QSerialPort::DeviceNotFoundError:
+        return "there is no such device";
+    case QSerialPort::PermissionError:
+        return "another program uses it, or this user may not (its group is often dialout)";
+    default:
+        break;
+    }
+    return "it is no serial port, or refuses these settings: " + port.errorString().toStdString();
 }
 
 } // namespace
 
 SerialLine::SerialLine(const LineSettings &settings) : m_settings(settings)
 {
-    m_port.setPortName(settings.device);
+    m_port.setPortName(pathOf(settings.device));
     m_port.setBaudRate(settings.baudRate);
     m_port.setParity(parityOf(settings.parity));
     m_port.setStopBits(settings.parity == 'N' ? QSerialPort::TwoStop : QSerialPort::OneStop);
     if (!m_port.open(QIODevice::ReadWrite))
-        fail("cannot be opened");
+        fail("cannot be opened: " + adviceOn(m_port));
     m_sinceLastByte.start();
 }
 
@@ -78,10 +93,10 @@ void SerialLine::waitForSilence() const
 void SerialLine::send(const QByteArray &frame)
 {
     if (m_port.write(frame) != frame.size())
-        fail("does not take a frame");
+        fail("does not take a frame: " + m_port.errorString().toStdString());
     while (m_port.bytesToWrite() > 0) {
         if (!m_port.waitForBytesWritten(m_settings.replyTimeout))
-            fail("does not take a frame");
+            fail("has gone, or takes no bytes: " + m_port.errorString().toStdString());
     }
 }
 
@@ -96,7 +111,7 @@ QByteArray SerialLine::receive(const QByteArray &frame, int replyLength)
     }
     const QSerialPort::SerialPortError error = m_port.error();
     if (error != QSerialPort::NoError && error != QSerialPort::TimeoutError)
-        fail("failed");
+        fail("has gone: " + m_port.errorString().toStdString());
     m_port.clearError();
     return reply;
 }
@@ -109,8 +124,7 @@ void SerialLine::discardInput(int quietTime)
     m_port.clearError();
 }
 
-void SerialLine::fail(const char *what) const
+void SerialLine::fail(const std::string &what) const
 {
-    throw std::runtime_error("serial port " + m_settings.device.toStdString() + " " + what + ": "
-                             + m_port.errorString().toStdString());
+    throw std::runtime_error("serial port " + m_settings.device.toStdString() + " " + what);
 }

@@ -6,6 +6,8 @@
 #include <QSerialPort>
 #include <QString>
 
+#include <string>
+
 struct LineSettings {
     QString device;
     int baudRate = 19200;
@@ -29,7 +31,7 @@ private:
     void send(const QByteArray &frame);
     QByteArray receive(const QByteArray &frame, int replyLength);
     void discardInput(int quietTime);
-    [[noreturn]] void fail(const char *what) const;
+    [[noreturn]] void fail(const std::string &what) const;
 
     LineSettings m_settings;
     QSerialPort m_port;

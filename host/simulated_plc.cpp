@@ -104,10 +104,14 @@ SimulatedPlc::~SimulatedPlc()
 void SimulatedPlc::serve()
 {
     std::array<uint8_t, MODBUS_RTU_MAX_ADU_LENGTH> request;
+    int requests = 0;
     while (!m_stop) {
         const int length = modbus_receive(m_protocol->context.get(), request.data());
         if (length <= 0)
             continue; // nothing came, or it was no request to this station
+        const int loseEvery = m_loseEvery;
+        if (loseEvery > 0 && ++requests % loseEvery == 0)
+            continue;
         const std::lock_guard<std::mutex> lock(m_memoryMutex);
         modbus_reply(m_protocol->context.get(), request.data(), length, m_protocol->memory.get());
     }

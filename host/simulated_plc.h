@@ -24,6 +24,9 @@ public:
 
     int station() const { return m_station; }
 
+    /// From now on leaves every n-th request unanswered; 0: none. Any thread.
+    void loseEvery(int n) { m_loseEvery = n; }
+
     /// Copies of its memory: register n stands at index n. Any thread.
     std::vector<uint16_t> inputRegisters() const;
     std::vector<uint16_t> holdingRegisters() const;
@@ -38,5 +41,6 @@ private:
     std::unique_ptr<Protocol> m_protocol;
     mutable std::mutex m_memoryMutex;
     std::atomic<bool> m_stop{false};
+    std::atomic<int> m_loseEvery{0};
     std::thread m_thread;
 };

@@ -3,6 +3,7 @@
 
 #include "velko_modbus_rtu.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -12,9 +13,27 @@ struct Variable {
     int length;          ///< in the kind's units
 };
 
-/// "KIND:ADDRESS" or "KIND:ADDRESS:LENGTH", for example "7:100:2". Throws std::invalid_argument
-/// that says what is wrong with the text.
+/// Registers of one area, before the 5000 of the third area is added.
+struct RegisterSpan {
+    int area; ///< AREA_...
+    int first;
+    int last;
+};
+
+/// One bit, byte, word or double word of a variable.
+struct Unit {
+    std::string address;
+    std::string value; ///< a bit in decimal, all others in hexadecimal
+};
+
+/// "KIND:ADDRESS" or "KIND:ADDRESS:LENGTH", for example "7:100:2". Throws std::invalid_argument that
+/// says what is wrong with the text: among others, a register that has no number on the line.
 Variable parseVariable(const std::string &text);
+
+RegisterSpan registersOf(const Variable &variable);
+
+/// The units of a variable with their values, as GetRegisterData delivers them.
+std::vector<Unit> unitsOf(const Variable &variable, const QByteArray &value);
 
 /// "holding word" and so on.
 std::string kindName(int kind);
@@ -23,6 +42,3 @@ bool isWritable(int kind);
 
 /// The items that keep the variables up to date.
 QList<VAR_ITEM> itemsOf(const std::vector<Variable> &variables);
-
-/// "12 34 AB"
-std::string hexOf(const QByteArray &bytes);
