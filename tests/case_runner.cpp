@@ -226,6 +226,8 @@ private:
 
     QString request() const
     {
+        if (core.pendingList.isEmpty())
+            return "none";
         const Protocol &head = core.pendingList.first();
         return QString("reply=%1 offset=%2 data=%3 ")
                    .arg(head.replyLen)
@@ -300,7 +302,7 @@ private:
         {"values", [this](Words &w) { return values(list(w.text())); }},
         {"record", [this](Words &w) {
              const QList<RW_VAR> &named = list(w.text());
-             return describe(named.at(w.number()));
+             return describe(named.value(w.number()));
          }},
         {"length", [this](Words &w) { return QString::number(list(w.text()).size()); }},
         {"times", [this](Words &w) {
