@@ -22,6 +22,13 @@ bool isGood(int resultCode)
 
 } // namespace
 
+std::string textOf(const LineCounters &counters)
+{
+    return "Frames: " + std::to_string(counters.sent) + " sent, " + std::to_string(counters.good)
+           + " good, " + std::to_string(counters.repeated) + " repeated, "
+           + std::to_string(counters.givenUp) + " given up";
+}
+
 CommunicationLoop::CommunicationLoop(const DriverLibrary &driver, ComInfo &link, SerialLine &line)
     : m_driver(driver),
       m_link(link),

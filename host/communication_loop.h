@@ -12,6 +12,9 @@ struct LineCounters {
     int givenUp = 0;
 };
 
+/// "Frames: 3 sent, 2 good, 1 repeated, 0 given up"
+std::string textOf(const LineCounters &counters);
+
 class CommunicationLoop
 {
 public:

@@ -72,14 +72,6 @@ void putValue(std::vector<uint16_t> &registers, const DemoVariable &item)
     registers[index + 1] = static_cast<uint16_t>(pair >> 16);
 }
 
-uint32_t numberOf(const QByteArray &bytes, int count)
-{
-    uint32_t number = 0;
-    for (int i = count - 1; i >= 0; --i)
-        number = number << 8 | static_cast<unsigned char>(bytes.at(i));
-    return number;
-}
-
 QByteArray bytesOf(uint32_t number, int count)
 {
     QByteArray bytes;
@@ -146,8 +138,7 @@ private:
         const bool complete = poll(loop, "Polling") && write(loop) && readOnce(loop)
                               && poll(loop, "Polling again, values as written");
         const LineCounters &counters = loop.counters();
-        std::printf("\nFrames: %d sent, %d good, %d repeated, %d given up\n", counters.sent,
-                    counters.good, counters.repeated, counters.givenUp);
+        std::printf("\n%s\n", textOf(counters).c_str());
         expect(counters.repeated == 0 && counters.givenUp == 0, "the line lost frames");
         return complete;
     }
@@ -239,7 +230,7 @@ private:
                                                    STATION, &bytes, item.variable.length);
         if (known == 0 || bytes.size() < valueBytes(item))
             return std::nullopt;
-        return numberOf(bytes, valueBytes(item));
+        return numberIn(bytes, valueBytes(item));
     }
 
     uint32_t peerValue(const DemoVariable &item) const

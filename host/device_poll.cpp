@@ -51,8 +51,7 @@ private:
         for (const Variable &variable : m_settings.variables)
             complete = printVariable(variable) && complete;
         const LineCounters &counters = m_loop.counters();
-        std::printf("Frames: %d sent, %d good, %d repeated, %d given up\n", counters.sent,
-                    counters.good, counters.repeated, counters.givenUp);
+        std::printf("%s\n", textOf(counters).c_str());
         if (counters.good == 0)
             std::printf(
                 "Station %d never answered well: check its number, the baud rate, the parity "

@@ -101,12 +101,9 @@ int unitBytes(Width width)
 
 std::string numberText(const QByteArray &bytes, Width width)
 {
-    uint32_t number = 0;
-    for (int i = bytes.size() - 1; i >= 0; --i)
-        number = number << 8 | static_cast<unsigned char>(bytes.at(i));
     std::array<char, 16> text;
     std::snprintf(text.data(), text.size(), "%0*X", width == BIT ? 1 : 2 * unitBytes(width),
-                  number);
+                  numberIn(bytes, unitBytes(width)));
     return text.data();
 }
 
@@ -136,6 +133,14 @@ RegisterSpan registersOf(const Variable &variable)
     default:
         return {area, 2 * first, 2 * last + 1};
     }
+}
+
+uint32_t numberIn(const QByteArray &value, int count)
+{
+    uint32_t number = 0;
+    for (int i = qMin(count, value.size()) - 1; i >= 0; --i)
+        number = number << 8 | static_cast<unsigned char>(value.at(i));
+    return number;
 }
 
 std::vector<Unit> unitsOf(const Variable &variable, const QByteArray &value)

@@ -32,6 +32,9 @@ Variable parseVariable(const std::string &text);
 
 RegisterSpan registersOf(const Variable &variable);
 
+/// The number in the first `count` bytes of a value, 4 at the most, lowest byte first.
+uint32_t numberIn(const QByteArray &value, int count);
+
 /// The units of a variable with their values, as GetRegisterData delivers them.
 std::vector<Unit> unitsOf(const Variable &variable, const QByteArray &value);
 
