@@ -2,7 +2,7 @@
 #pragma once
 
 #include "driver/modbus_rtu_master.h"
-#include "host/driver_library.h"
+#include "host/library/driver_library.h"
 
 #include <gtest/gtest.h>
 

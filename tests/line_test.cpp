@@ -1,90 +1,309 @@
-// The host's side, on a pseudo-terminal: a slave that others wrote, and none at all.
-#include "host/device_poll.h"
-#include "host/simulated_plc.h"
+// The serial line against the simulated PLC: silence, time-outs, rests, what is let through.
+#include "host/library/driver_copy.h"
+#include "host/line/crc16.h"
+#include "host/line/port_error.h"
+#include "host/line/replies.h"
+#include "host/line/serial_line.h"
+#include "host/plc/simulated_plc.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <random>
 
 namespace
 {
 
-/// What pollDevice prints and returns.
-struct Poll {
-    Poll(const SimulatedPlc &plc, int station, const std::vector<const char *> &variables)
+QByteArray frame(const char *hex)
+{
+    const QByteArray bytes = QByteArray::fromHex(hex);
+    return bytes + crc16(bytes);
+}
+
+// Input register 12 of station 1 holds 0x9688.
+const char *const READ_12 = "01 04 00 0C 00 01";
+const char *const ANSWER_12 = "01 04 02 96 88 D6 F6";
+
+struct LineUnderTest {
+    explicit LineUnderTest(const SimulatedLineSettings &plcSettings = {}) : plc(plcSettings)
     {
-        PollSettings settings;
-        settings.library = DRIVER_LIBRARY;
-        settings.line.device = plc.device();
-        settings.line.replyTimeout = 50;
-        settings.station = station;
-        settings.seconds = 1;
-        for (const char *text : variables)
-            settings.variables.push_back(parseVariable(text));
-        testing::internal::CaptureStdout();
-        good = pollDevice(settings);
-        output = testing::internal::GetCapturedStdout();
+        settings.devices = {plc.device().toStdString()};
+        settings.baudRate = 115200;
+        settings.replyTimeout = 50;
     }
 
-    bool shows(const char *text) const { return output.find(text) != std::string::npos; }
+    Exchange exchange(const char *hex, int replyLength)
+    {
+        if (!line)
+            line = std::make_unique<SerialLine>(settings, taps);
+        return line->exchange(frame(hex), replyLength);
+    }
 
-    bool good;
-    std::string output;
+    /// "ANSWER" or "ANSWER (cut)" and so on.
+    std::string read12()
+    {
+        static const char *const outcomes[] = {"", " (cut)", " (nothing)", " (collision)",
+                                               " (no echo)"};
+        const Exchange result = exchange(READ_12, 7);
+        return hexText(result.reply) + outcomes[result.outcome];
+    }
+
+    SimulatedPlc plc;
+    LineTaps taps;
+    LineSettings settings;
+    std::unique_ptr<SerialLine> line;
 };
 
-const int STATION = 17;
+milliseconds millisecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+}
 
 } // namespace
 
-TEST(Line, ValuesOfASlave)
+TEST(Line, KeepsSilenceBeforeEachRequest)
 {
-    const SimulatedPlc plc(STATION);
-    // Input registers 12 and 13 hold 0x9688 and 0xA18F, holding register 20 holds 0x9EE1.
-    const Poll poll(plc, STATION, {"6:12:2", "1:40.15:2", "4:41", "9:6:1", "8:0"});
-    EXPECT_TRUE(poll.good) << poll.output;
-    EXPECT_TRUE(poll.shows("  input word                12          9688\n")) << poll.output;
-    EXPECT_TRUE(poll.shows("  input word                13          A18F\n"));
-    EXPECT_TRUE(poll.shows("  holding bit               41.7        1\n"));
-    EXPECT_TRUE(poll.shows("  holding bit               42.0        0\n"));
-    EXPECT_TRUE(poll.shows("  holding byte              41          9E\n"));
-    EXPECT_TRUE(poll.shows("  input double word         6           A18F9688\n"));
-    EXPECT_TRUE(poll.shows("  holding 5000 word         0           FD3D\n"));
-    EXPECT_TRUE(poll.shows(" 0 repeated, 0 given up"));
+    const struct {
+        int baudRate;
+        int floor;
+        int least; // microseconds
+    } rows[] = {{9600, 0, 4010}, {19200, 0, 2005}, {38400, 0, 1750}, {38400, 20000, 20000}};
+    for (const auto &row : rows) {
+        SimulatedLineSettings plcSettings;
+        plcSettings.baudRate = row.baudRate;
+        LineUnderTest test(plcSettings);
+        test.settings.baudRate = row.baudRate;
+        test.settings.silenceFloor = row.floor;
+        for (int i = 0; i < 6; ++i)
+            ASSERT_EQ(test.read12(), ANSWER_12);
+        const std::vector<SeenRequest> seen = test.plc.requests();
+        ASSERT_EQ(seen.size(), 6U);
+        for (size_t i = 1; i < seen.size(); ++i) {
+            const auto silence = seen[i].arrival - seen[i - 1].end;
+            EXPECT_GE(silence, microseconds(row.least - 400)) << row.baudRate; // of its clock
+        }
+    }
 }
 
-// The driver's cycleDone never comes true on this line.
-TEST(Line, ALineThatLosesAnswers)
+TEST(Line, EndsWithTheAnswersLastByte)
 {
-    SimulatedPlc plc(STATION);
-    plc.loseEvery(3);
-    const Poll poll(plc, STATION, {"6:0", "6:500", "7:0"});
-    EXPECT_TRUE(poll.good) << poll.output;
-    EXPECT_TRUE(poll.shows("input word                500         9BE0\n")) << poll.output;
-    EXPECT_FALSE(poll.shows(" 0 repeated"));
+    LineUnderTest test;
+    test.settings.replyTimeout = test.settings.byteTimeout = 5000;
+    const Clock::time_point start = Clock::now();
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(test.read12(), ANSWER_12);
+    EXPECT_EQ(hexText(test.exchange("01 03 FF 00 00 01", 7).reply), "01 83 02 C0 F1");
+    EXPECT_EQ(hexText(test.exchange("01 41 00 00 00 01", 7).reply), "01 C1 01 B0 50");
+    EXPECT_LT(millisecondsSince(start), milliseconds(2000));
 }
 
-TEST(Line, WhatCannotBeReadHidesNothingElse)
+TEST(Line, TimeOuts)
 {
-    const SimulatedPlc plc(STATION);
-    const Poll poll(plc, STATION, {"6:12", "6:2000"});
-    EXPECT_FALSE(poll.good);
-    EXPECT_TRUE(poll.shows("12          9688\n")) << poll.output;
-    EXPECT_TRUE(poll.shows("2000        not read: exception 2 (illegal data address)\n"));
+    const struct {
+        const char *fault;
+        int byteTimeout;
+        const char *answer;
+    } rows[] = {
+        {"1:stutter=32", 100, ANSWER_12},
+        {"1:stutter=60", 5, "01 04 02 (cut)"},
+        {"1:cut=6", 50, "01 04 02 96 88 D6 (cut)"},
+        {"1:silent", 50, " (nothing)"},
+        {"1:late=20", 50, ANSWER_12},
+        {"1:late=400", 50, " (nothing)"},
+    };
+    for (const auto &row : rows) {
+        LineUnderTest test;
+        test.settings.byteTimeout = row.byteTimeout;
+        test.settings.replyTimeout = 150;
+        test.plc.setFault(1, parseFault(row.fault).fault);
+        EXPECT_EQ(test.read12(), row.answer) << row.fault;
+    }
+    // An answer may take longer than the time-out; only its first byte must not.
+    SimulatedLineSettings slow;
+    slow.baudRate = 9600;
+    LineUnderTest test(slow);
+    test.settings.baudRate = 9600;
+    EXPECT_EQ(test.exchange("01 03 00 00 00 64", 205).reply.size(), 205);
 }
 
-TEST(Line, ASlaveThatIsNotThere)
+TEST(Line, WhatIsNoAnswerIsDropped)
 {
-    const SimulatedPlc plc(STATION);
-    const Poll poll(plc, STATION + 1, {"6:12"});
-    EXPECT_FALSE(poll.good);
-    EXPECT_TRUE(poll.shows("12          not read: no answer\n")) << poll.output;
-    EXPECT_TRUE(poll.shows(", 0 good")) << poll.output;
+    for (const char *fault : {"1:junk=3", "1:junk=40", "1:foreign"}) {
+        LineUnderTest test;
+        test.plc.setFault(1, parseFault(fault).fault);
+        EXPECT_EQ(test.read12(), ANSWER_12) << fault;
+    }
 }
 
-TEST(Line, VariablesThatArePeoplesMistakes)
+TEST(Line, AnswerFilter)
 {
-    for (const char *text :
-         {"", "7", "7:1:2:3", "12:1", "-1:1", "x:1", "7:", "7:x", "7:-1", "7: 1", "1:5", "1:5.x",
-          "7:1:0", "7:1:x", "7:65535:2", "8:60536", "10:32768", "4:131072", "1:131071.8"})
-        EXPECT_THROW(parseVariable(text), std::invalid_argument) << text;
-    for (const char *text : {"7:65535", "8:60535", "10:32767", "4:131071", "1:131071.7", "7:010"})
-        EXPECT_NO_THROW(parseVariable(text)) << text;
+    // To a read of one register of station 1, function 3: 7 bytes. "|" is a gap between bytes.
+    const struct {
+        const char *arrived;
+        const char *answer;
+        const char *dropped;
+        bool isComplete;
+    } rows[] = {
+        {"01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F", "", true},
+        {"01 03 02 5A A5 42", "01 03 02 5A A5 42", "", false},
+        {"01 03 02 5A A5 42 9E", "01 03 02 5A A5 42 9E", "", true}, // the driver judges the CRC
+        {"01 83 02 C0 F1", "01 83 02 C0 F1", "", true},
+        {"01 83 02 C0 F0", "01 83 02 C0 F0", "", false}, // no exception without its CRC
+        {"01 84 02 C2 C1 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F", "01 84 02 C2 C1", true},
+        {"02 03 02 5A A5 06 BF", "", "02", false}, // wrong CRC: the rest may begin more
+        {"02 03 02 5A A5 06 9F", "", "02 03 02 5A A5 06 9F", false},
+        {"02 03 02 5A | 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F", "02 03 02 5A", true},
+        {"FF 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F", "FF", true},
+        {"01 10 00 00 00 01 01 C9 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F",
+         "01 10 00 00 00 01 01 C9", true},
+        // Late answers of other lengths.
+        {"01 03 04 00 01 00 02 2A 32 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F",
+         "01 03 04 00 01 00 02 2A 32", true},
+        {"01 03 04 00 01 00 02", "01 03 04 00 01 00 02", "", false},
+        {"01 | ", "01", "", false},
+        {"", "", "", false},
+    };
+    for (const auto &row : rows) {
+        AnswerFilter filter(frame("01 03 00 00 00 01"), 7);
+        const QByteArray text = row.arrived;
+        for (const QByteArray &part : text.split('|')) {
+            filter.gap();
+            for (const char byte : QByteArray::fromHex(part)) // one at a time is the hardest
+                filter.add(QByteArray(1, byte));
+        }
+        EXPECT_EQ(hexText(filter.answer()), row.answer) << row.arrived;
+        EXPECT_EQ(filter.isComplete(), row.isComplete) << row.arrived;
+        EXPECT_EQ(hexText(filter.takeDropped()), row.dropped) << row.arrived;
+    }
+}
+
+namespace
+{
+
+/// Reads two registers in turn, a good deal of the answers being later than the time-out by anything
+/// up to 95 % of the guard time, and counts how often the store held the other register's value.
+int wrongValues(int guard, int exchanges)
+{
+    const int timeout = 20;
+    LineUnderTest test;
+    test.settings.replyTimeout = timeout;
+    test.settings.guardTime = guard;
+    const auto driver = loadDriverCopy(DRIVER_LIBRARY);
+    ComInfo info;
+    info.maxRegs = 1;
+    info.defaultStation = 1;
+    driver->SetComInfo(&info);
+    QList<VAR_ITEM> items;
+    for (const char *address : {"12", "13"}) {
+        VAR_ITEM item;
+        item.kind = KIND_INPUT_WORD;
+        item.addrText = address;
+        item.length = 1;
+        items.append(item);
+    }
+    driver->ReCreatReadVarList(&items);
+    test.line = std::make_unique<SerialLine>(test.settings, test.taps);
+    std::mt19937 random(1);
+    std::uniform_int_distribution<int> delay(timeout + 1, timeout + timeout * 95 / 100);
+    int wrong = 0;
+    for (int i = 0; i < exchanges; ++i) {
+        const bool isLate = random() % 4 != 0;
+        test.plc.setFault(1, {isLate ? Fault::LATE : Fault::NONE, delay(random), 1});
+        const Protocol request = *driver->ComCommunication();
+        const QByteArray reply = test.line->exchange(request.frame, request.replyLen).reply;
+        if (driver->DataCom(&reply, reply.size())->retCode != RESULT_GOOD)
+            continue;
+        QByteArray value;
+        const int number = request.var.addr;
+        driver->GetRegisterData(0, KIND_INPUT_WORD, QString::number(number), 1, &value, 1);
+        wrong += value != (number == 12 ? QByteArray("\x88\x96") : QByteArray("\x8F\xA1"));
+    }
+    return wrong;
+}
+
+/// Several lines at once: most of the time goes by in waiting.
+int wrongValuesInAll(int guard, int exchanges)
+{
+    const int lines = 8;
+    std::atomic<int> wrong{0};
+    std::vector<std::unique_ptr<QThread>> threads;
+    for (int i = 0; i < lines; ++i) {
+        threads.emplace_back(
+            QThread::create([&] { wrong += wrongValues(guard, exchanges / lines); }));
+        threads.back()->start();
+    }
+    for (const auto &thread : threads)
+        thread->wait();
+    return wrong;
+}
+
+} // namespace
+
+TEST(Line, LateAnswersNeverReachTheStore)
+{
+    EXPECT_EQ(wrongValuesInAll(20, 2000), 0);
+    EXPECT_GT(wrongValuesInAll(0, 2000), 0); // or the test would show nothing
+}
+
+TEST(Line, Echo)
+{
+    SimulatedLineSettings echoing;
+    echoing.echo = true;
+    LineUnderTest test(echoing);
+    test.settings.echo = true;
+    EXPECT_EQ(test.read12(), ANSWER_12);
+    test.plc.collide(true);
+    EXPECT_EQ(test.read12(), " (collision)");
+    test.plc.collide(false);
+    EXPECT_EQ(test.read12(), ANSWER_12);
+
+    LineUnderTest without;
+    without.settings.echo = true;
+    without.plc.setFault(1, {Fault::SILENT, 0, 1});
+    EXPECT_EQ(without.read12(), " (no echo)");
+}
+
+TEST(Line, PortsThatCannotBeOpened)
+{
+    const struct {
+        const char *device;
+        Rs485 rs485;
+        const char *message;
+    } rows[] = {
+        {"/dev/none", Rs485::OFF,
+         "serial port /dev/none cannot be opened: there is no such device"},
+        {"/dev/null", Rs485::OFF, "it is no serial port"},
+        {nullptr, Rs485::RTS_ON_SEND, "does not switch the RS-485 direction (Inappropriate ioctl"},
+        {nullptr, Rs485::RTS_AFTER_SEND, "leave rs485 out"},
+    };
+    for (const auto &row : rows) {
+        LineUnderTest test;
+        if (row.device)
+            test.settings.devices = {row.device};
+        test.settings.rs485 = row.rs485;
+        try {
+            test.read12();
+            ADD_FAILURE() << row.message;
+        } catch (const PortError &error) {
+            EXPECT_NE(std::string(error.what()).find(row.message), std::string::npos)
+                << error.what();
+        }
+    }
+}
+
+TEST(Line, NamesAndPatternsOfPorts)
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.path().toStdString();
+    EXPECT_EQ(findPort({path + "/usb*"}, {}), "");
+    QFile::link("/dev/null", folder.filePath("usb[1]"));
+    EXPECT_EQ(findPort({path + "/none", path + "/usb*"}, {}), "/dev/null");
+    EXPECT_EQ(findPort({path + "/usb[1]"}, {}), "/dev/null"); // a name, not a pattern
+    QFile::remove(folder.filePath("usb[1]"));
+    QFile::link("/dev/zero", folder.filePath("usb7"));
+    EXPECT_EQ(findPort({path + "/usb*"}, {}), "/dev/zero");
 }

@@ -1,0 +1,26 @@
+// A sub-command of panelhost.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+class Command
+{
+public:
+    /// `program` is the whole program's and outlives the command.
+    Command(CLI::App &program, const std::string &name, const std::string &help)
+        : m_options(*program.add_subcommand(name, help))
+    {
+    }
+    virtual ~Command() = default;
+    Command(const Command &) = delete;
+    Command &operator=(const Command &) = delete;
+
+    bool isChosen() const { return m_options.parsed(); }
+
+    /// Called when it was chosen and its options are parsed. Returns an EXIT_STATUS. Throws
+    /// std::invalid_argument for wrong usage, other exceptions as their types say.
+    virtual int run() = 0;
+
+protected:
+    CLI::App &m_options;
+};

@@ -1,0 +1,34 @@
+// What the user does to a running program: signals, and lines on standard input.
+#pragma once
+
+#include <string>
+#include <vector>
+
+class Console
+{
+public:
+    struct Input {
+        bool isEnd = false;    ///< SIGINT or SIGTERM
+        bool isReload = false; ///< SIGHUP
+        std::vector<std::string> lines;
+    };
+
+    /// Takes the three signals over, of this thread and all that are started later. Throws
+    /// std::runtime_error.
+    Console();
+    ~Console();
+    Console(const Console &) = delete;
+    Console &operator=(const Console &) = delete;
+
+    /// What comes within `milliseconds`, none when nothing does. The end of standard input ends
+    /// nothing.
+    Input wait(int milliseconds);
+
+private:
+    void readSignals(Input &input) const;
+    void readLines(Input &input);
+
+    int m_signals;
+    bool m_isInputOpen = true;
+    std::string m_rest; // of a line whose end has not come yet
+};

@@ -1,0 +1,12 @@
+// What the program's exit status says. Stated in --help and in the tool's page.
+#pragma once
+
+enum EXIT_STATUS {
+    EXIT_GOOD = 0,
+    EXIT_PROGRAM = 1, ///< the driver's file, the output or something else of the machine
+    EXIT_USAGE = 2,
+    EXIT_FILE = 3,
+    EXIT_PORT = 4,
+    EXIT_SILENT = 5, ///< a station did not answer, or none of its answers was whole
+    EXIT_REFUSED = 6 ///< a station answered with an exception, or a value was refused
+};

@@ -1,0 +1,5 @@
+// Texts that several sub-commands show.
+#pragma once
+
+extern const char *const VARIABLES_HELP;
+extern const char *const EXIT_STATUS_HELP;

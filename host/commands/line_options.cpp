@@ -1,0 +1,84 @@
+#include "host/commands/line_options.h"
+
+#include "host/commands/talk_options.h"
+
+#include <cctype>
+#include <cmath>
+
+namespace
+{
+
+int millisecondsIn(const std::string &seconds)
+{
+    return static_cast<int>(std::lround(std::stod(seconds) * 1000));
+}
+
+} // namespace
+
+LineOptions::LineOptions(CLI::App &options)
+{
+    LineSettings &line = m_link.line;
+    options.add_option("device", m_device, "serial device")->required();
+    options.add_option("-a,--station", m_station, "slave address")
+        ->check(numberFrom(1, 247))
+        ->capture_default_str();
+    options.add_option("-b,--baud", line.baudRate, "baud rate")
+        ->check(numberFrom(300, 4000000))
+        ->capture_default_str();
+    options.add_option("-P,--parity", m_parity, "none, even or odd")
+        ->check(CLI::IsMember({"none", "even", "odd"}))
+        ->capture_default_str();
+    options.add_option("-s,--stop-bits", line.stopBits, "stop bits")
+        ->check(numberFrom(1, 2))
+        ->capture_default_str();
+    options.add_option("-o,--timeout", m_timeout, "seconds until the first byte of an answer")
+        ->check(secondsFrom(0.001, 60))
+        ->capture_default_str();
+    options
+        .add_option("--guard", m_guard,
+                    "seconds that the line rests after a time-out (default: the time-out)")
+        ->check(secondsFrom(0, 60));
+    options
+        .add_option("--byte-timeout", line.byteTimeout,
+                    "milliseconds between two bytes of an answer")
+        ->check(numberFrom(1, 60000))
+        ->capture_default_str();
+    options
+        .add_option("--silence", line.silenceFloor,
+                    "microseconds of silence before a request at the least; 3.5 characters are "
+                    "kept anyway")
+        ->check(numberFrom(0, 1000000))
+        ->capture_default_str();
+    options.add_option("--retries", m_link.retries, "failed tries before a request is given up")
+        ->check(numberFrom(0, 100))
+        ->capture_default_str();
+    options.add_option("--max-regs", m_link.maxRegs, "registers per request at the most, even")
+        ->check(numberFrom(2, 122))
+        ->check(CLI::Validator(
+            [](std::string &text) {
+                return (text.back() - '0') % 2 == 0 ? std::string() : "must be even";
+            },
+            "EVEN"))
+        ->capture_default_str();
+    CLI::Option *const onSend =
+        options.add_flag("-F", m_isRtsOnSend, "RS-485 by the kernel: RTS on when sending");
+    options.add_flag("-R", m_isRtsAfterSend, "RS-485 by the kernel: RTS on after sending")
+        ->excludes(onSend);
+    options.add_flag("--echo", line.echo, "the adapter returns what is sent: strip it");
+}
+
+Link LineOptions::link() const
+{
+    Link link = m_link;
+    link.name = "line";
+    link.line.devices = {m_device};
+    link.line.parity = static_cast<char>(std::toupper(static_cast<unsigned char>(m_parity[0])));
+    link.line.replyTimeout = millisecondsIn(m_timeout);
+    if (!m_guard.empty())
+        link.line.guardTime = millisecondsIn(m_guard);
+    if (m_isRtsOnSend)
+        link.line.rs485 = Rs485::RTS_ON_SEND;
+    if (m_isRtsAfterSend)
+        link.line.rs485 = Rs485::RTS_AFTER_SEND;
+    return link;
+}

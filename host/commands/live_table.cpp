@@ -1,0 +1,108 @@
+#include "host/commands/live_table.h"
+
+#include "host/commands/lines_view.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace
+{
+
+// ANSI control sequences, known to every terminal of today.
+const char *const OTHER_SCREEN = "\x1b[?1049h\x1b[2J";
+const char *const FIRST_SCREEN = "\x1b[?1049l";
+const char *const SAVE_CURSOR = "\x1b[s\x1b[?25l";
+const char *const RESTORE_CURSOR = "\x1b[u\x1b[?25h";
+const char *const HOME = "\x1b[H";
+const char *const CLEAR_REST_OF_LINE = "\x1b[K";
+
+const size_t NEWS_SHOWN = 5;
+const size_t NEWS_KEPT = 100;
+
+struct TerminalSize {
+    size_t rows = 24;
+    size_t columns = 80;
+};
+
+TerminalSize terminalSize()
+{
+    winsize size = {};
+    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row < 4 || size.ws_col < 10)
+        return {};
+    return {size.ws_row, size.ws_col};
+}
+
+} // namespace
+
+LiveTable::LiveTable()
+{
+    std::fputs(OTHER_SCREEN, stdout);
+}
+
+LiveTable::~LiveTable()
+{
+    std::fputs(FIRST_SCREEN, stdout);
+    std::fflush(stdout);
+}
+
+void LiveTable::show(const Snapshot &snapshot)
+{
+    draw(linesOf(snapshot));
+}
+
+void LiveTable::tell(const Event &event)
+{
+    note(textOf(event));
+}
+
+void LiveTable::note(const std::string &text)
+{
+    m_news.push_back(timeText() + "  " + text);
+    if (m_news.size() > NEWS_KEPT)
+        m_news.pop_front();
+    m_promptRow = 0; // a line was typed, perhaps: the prompt is drawn anew
+}
+
+void LiveTable::finish(const Snapshot &snapshot)
+{
+    std::fputs(FIRST_SCREEN, stdout);
+    for (const std::string &line : m_news)
+        std::printf("%s\n", line.c_str());
+    for (const std::string &line : summaryOf(snapshot))
+        std::printf("%s\n", line.c_str());
+}
+
+std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot) const
+{
+    std::vector<std::string> lines = summaryOf(snapshot);
+    lines.erase(lines.begin());
+    lines.push_back("");
+    const size_t skipped = m_news.size() - std::min(m_news.size(), NEWS_SHOWN);
+    lines.insert(lines.end(), m_news.begin() + static_cast<std::ptrdiff_t>(skipped), m_news.end());
+    return lines;
+}
+
+// What the user types stays where it is: the cursor goes back to it after each drawing.
+void LiveTable::draw(const std::vector<std::string> &lines)
+{
+    const TerminalSize size = terminalSize();
+    const size_t shown = std::min(lines.size(), size.rows - 2);
+    std::fputs(SAVE_CURSOR, stdout);
+    std::fputs(HOME, stdout);
+    for (size_t i = 0; i < shown; ++i) {
+        const bool isCut = i + 1 == shown && shown < lines.size();
+        const std::string line = isCut ? "... " + std::to_string(lines.size() - i)
+                                             + " more lines; make the terminal higher"
+                                       : lines[i];
+        std::printf("%s%s\n", line.substr(0, size.columns - 1).c_str(), CLEAR_REST_OF_LINE);
+    }
+    const int promptRow = static_cast<int>(shown) + 1;
+    if (promptRow != m_promptRow)
+        std::printf("\x1b[J\x1b[%d;1HNAME=VALUE to write, Ctrl-C to end: \x1b[s", promptRow);
+    m_promptRow = promptRow;
+    std::fputs(RESTORE_CURSOR, stdout);
+    std::fflush(stdout);
+}

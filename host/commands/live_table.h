@@ -1,0 +1,26 @@
+// The values and stations as a table on a terminal, drawn anew in its place.
+#pragma once
+
+#include "host/commands/poll_view.h"
+
+#include <deque>
+
+class LiveTable : public PollView
+{
+public:
+    LiveTable();
+    /// Gives the terminal back.
+    ~LiveTable() override;
+
+    void show(const Snapshot &snapshot) override;
+    void tell(const Event &event) override;
+    void note(const std::string &text) override;
+    void finish(const Snapshot &snapshot) override;
+
+private:
+    std::vector<std::string> linesOf(const Snapshot &snapshot) const;
+    void draw(const std::vector<std::string> &lines);
+
+    std::deque<std::string> m_news; // the latest
+    int m_promptRow = 0;
+};

@@ -1,0 +1,81 @@
+// panelhost: runs the driver on serial lines.
+#include "host/commands/exit_status.h"
+#include "host/commands/help_texts.h"
+#include "host/commands/plan_command.h"
+#include "host/commands/poll_command.h"
+#include "host/commands/read_command.h"
+#include "host/commands/simulate_command.h"
+#include "host/commands/write_command.h"
+#include "host/line/port_error.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+namespace
+{
+
+int runChosen(const std::vector<std::unique_ptr<Command>> &commands)
+{
+    for (const std::unique_ptr<Command> &command : commands)
+        if (command->isChosen())
+            return command->run();
+    return EXIT_USAGE;
+}
+
+int parseAndRun(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    CLI::App program(
+        "Reads and writes the variables of PLCs on serial lines, with the Modbus RTU driver "
+        "of operator panels.");
+    program.require_subcommand(1);
+    program.footer(std::string("Each sub-command has a --help of its own.\n") + EXIT_STATUS_HELP);
+    std::vector<std::unique_ptr<Command>> commands;
+    commands.push_back(std::make_unique<PollCommand>(program));
+    commands.push_back(std::make_unique<PlanCommand>(program));
+    commands.push_back(std::make_unique<ReadCommand>(program));
+    commands.push_back(std::make_unique<WriteCommand>(program));
+    commands.push_back(std::make_unique<SimulateCommand>(program));
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        if (error.get_exit_code() == 0)
+            return program.exit(error); // --help
+        throw std::invalid_argument(std::string(error.what())
+                                    + "\nRun with --help for the options.");
+    }
+    return runChosen(commands);
+}
+
+// A full disk or a closed pipe must not pass for success.
+int checkOutput(int status)
+{
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return status;
+    throw std::runtime_error("the output could not be written");
+}
+
+int fail(const std::exception &error, int status)
+{
+    std::fflush(stdout);
+    std::fprintf(stderr, "panelhost: %s\n", error.what());
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    try {
+        return checkOutput(parseAndRun(argc, argv));
+    } catch (const std::invalid_argument &error) {
+        return fail(error, EXIT_USAGE);
+    } catch (const FileError &error) {
+        return fail(error, EXIT_FILE);
+    } catch (const PortError &error) {
+        return fail(error, EXIT_PORT);
+    } catch (const std::exception &error) {
+        return fail(error, EXIT_PROGRAM);
+    }
+}

@@ -1,0 +1,108 @@
+#include "host/commands/one_shot.h"
+
+#include "host/commands/exit_status.h"
+#include "host/line/port_error.h"
+
+#include <cstdio>
+
+namespace
+{
+
+// mbpoll's names of 32-bit numbers, besides our own.
+std::string formatNamed(const std::string &name, bool isBigEndian)
+{
+    const std::string order = isBigEndian ? "/ABCD" : "/CDAB";
+    if (name == "int")
+        return "s32" + order;
+    if (name == "float")
+        return "f32" + order;
+    const bool isWide = name == "u32" || name == "s32" || name == "f32";
+    return isWide ? name + order : name;
+}
+
+} // namespace
+
+OneShotOptions::OneShotOptions(CLI::App &options)
+{
+    options
+        .add_option("-t,--type", m_type,
+                    "3 input or 4 holding registers, with :hex, :int, :float or a format below "
+                    "behind it")
+        ->capture_default_str();
+    options.add_option("-r,--reference", m_reference, "first register, counted from 1")
+        ->check(numberFrom(0, 65536))
+        ->capture_default_str();
+    options.add_flag("-0", m_isFromZero, "-r counts from 0, as the line does");
+    options.add_flag("-B", m_isBigEndian, "the first register of a 32-bit number is its high half");
+}
+
+Variable OneShotOptions::byReference(int station, int count, Access access) const
+{
+    const size_t colon = m_type.find(':');
+    const std::string table = m_type.substr(0, colon);
+    if (table == "0" || table == "1")
+        throw std::invalid_argument("-t " + m_type
+                                    + ": the driver reads coils and discrete inputs through "
+                                      "registers only; name a bit, as in holding-bit:3.5");
+    if (table != "3" && table != "4")
+        throw std::invalid_argument("-t " + m_type + " does not begin with 3 or 4");
+    if (m_reference == 0 && !m_isFromZero)
+        throw std::invalid_argument("-r 0: references count from 1; -0 lets them count from 0");
+    Variable variable;
+    variable.station = station;
+    variable.kind = table == "3" ? KIND_INPUT_WORD : KIND_HOLDING_WORD;
+    variable.address = std::to_string(m_isFromZero ? m_reference : m_reference - 1);
+    const std::string format = colon == std::string::npos ? "u16" : m_type.substr(colon + 1);
+    variable.format = parseFormat(formatNamed(format, m_isBigEndian));
+    variable.count = count;
+    variable.access = access;
+    checkVariable(variable);
+    return variable;
+}
+
+OneShotLoop::OneShotLoop(const TalkOptions &talk, const Link &link)
+    : m_loop(talk.library(), link, RequestPlanner(talk.library()).plan(link), talk.taps(), *this)
+{
+    m_loop.open();
+}
+
+void OneShotLoop::readAll()
+{
+    run(&OneShotLoop::isRead);
+}
+
+int OneShotLoop::write(const Variable &variable, const std::string &text)
+{
+    m_loop.write(variable, text);
+    run(&OneShotLoop::isWritten);
+    if (m_lastWrite.state == WRITE_DONE)
+        return EXIT_GOOD;
+    std::fprintf(stderr, "panelhost: %s = %s: %s: %s\n", variable.name.c_str(), text.c_str(),
+                 m_lastWrite.state.c_str(), m_lastWrite.detail.c_str());
+    return m_lastWrite.state == WRITE_REFUSED ? EXIT_REFUSED : exitStatusOf(m_lastWrite.cause);
+}
+
+// Ends by itself: each request is given up after its tries at the latest.
+void OneShotLoop::run(bool (OneShotLoop::*isDone)() const)
+{
+    while (!(this->*isDone)()) {
+        m_loop.turn();
+        if (!m_loop.isOpen())
+            throw PortError(m_portError);
+    }
+}
+
+void OneShotLoop::tell(const Event &event)
+{
+    if (event.kind == Event::WRITE)
+        m_lastWrite = event;
+    if (event.kind == Event::PORT && event.state == PORT_LOST)
+        m_portError = event.detail;
+}
+
+int exitStatusOf(Verdict::Kind kind)
+{
+    if (kind == Verdict::GOOD)
+        return EXIT_GOOD;
+    return kind == Verdict::EXCEPTION ? EXIT_REFUSED : EXIT_SILENT;
+}

@@ -1,0 +1,16 @@
+// Shows which requests a file's variables become. Nothing is sent.
+#pragma once
+
+#include "host/commands/command.h"
+
+class PlanCommand : public Command
+{
+public:
+    explicit PlanCommand(CLI::App &program);
+
+    int run() override;
+
+private:
+    std::string m_file;
+    std::string m_library;
+};

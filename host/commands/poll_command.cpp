@@ -1,0 +1,161 @@
+#include "host/commands/poll_command.h"
+
+#include "host/commands/exit_status.h"
+#include "host/commands/json_view.h"
+#include "host/commands/lines_view.h"
+#include "host/commands/live_table.h"
+#include "host/commands/one_shot.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace
+{
+
+const int REFRESH = 100; // milliseconds
+
+const char *const FOOTER = R"(
+Ends after --cycles or --seconds, whichever comes first, or at Ctrl-C. While it runs, a line
+NAME=VALUE on standard input queues a write, and SIGHUP reads the file again: queued writes and stored
+values stay. What becomes of each write is told: done, failed, superseded by a newer one, refused.)";
+
+// What the values at the end say.
+int statusOf(const Snapshot &snapshot)
+{
+    int status = EXIT_GOOD;
+    for (const ValueRow &row : snapshot.values) {
+        if (row.state.freshness == Freshness::GOOD || !row.variable.isRead())
+            continue;
+        const bool isNeverRead = row.state.freshness == Freshness::NEVER_READ;
+        status = std::max(
+            status, isNeverRead ? std::max<int>(exitStatusOf(row.state.refusal.kind), EXIT_SILENT)
+                                : exitStatusOf(row.state.refusal.kind));
+    }
+    for (const LinkRow &link : snapshot.links)
+        if (!link.isOpen)
+            return EXIT_PORT;
+    return status;
+}
+
+} // namespace
+
+PollCommand::PollCommand(CLI::App &program)
+    : Command(program, "poll", "Keeps the variables of a file up to date and shows them."),
+      m_talk(m_options)
+{
+    m_options.add_option("file", m_file, "file of links and variables")->required();
+    m_options.add_option("--device", m_device, "serial device instead of the file's, for one link");
+    m_options.add_option("--set", m_assignments, "NAME=VALUE: a write; as often as wanted");
+    m_options.add_option("--cycles", m_cycles, "end when each variable was read so often")
+        ->check(numberFrom(1, 1000000));
+    m_options.add_option("--seconds", m_seconds, "end after so many seconds")
+        ->check(secondsFrom(0.1, 31536000));
+    CLI::Option *const json = m_options.add_flag("--json", m_isJson, "print JSON lines");
+    m_options.add_flag("--lines", m_isLines, "print lines of text, on a terminal as well")
+        ->excludes(json);
+    m_options.footer(FOOTER);
+}
+
+int PollCommand::run()
+{
+    const std::vector<Link> links = readFile();
+    m_talk.begin();
+    PollSession session(m_talk.library(), links, m_talk.taps());
+    Snapshot last;
+    {
+        const std::unique_ptr<PollView> view = makeView();
+        loop(session, *view);
+        last = session.snapshot();
+        session.stop();
+        passEvents(session, *view);
+        view->finish(last);
+    }
+    m_talk.finish();
+    return std::max(m_status, statusOf(last));
+}
+
+std::vector<Link> PollCommand::readFile() const
+{
+    std::vector<Link> links = readLinkFile(m_file);
+    if (m_device.empty())
+        return links;
+    if (links.size() != 1)
+        throw std::invalid_argument("--device needs a file with one link");
+    links.front().line.devices = {m_device};
+    return links;
+}
+
+// Trace lines would tear a table apart.
+std::unique_ptr<PollView> PollCommand::makeView() const
+{
+    if (m_isJson)
+        return std::make_unique<JsonView>();
+    if (m_isLines || m_talk.isTraced() || ::isatty(STDOUT_FILENO) == 0)
+        return std::make_unique<LinesView>();
+    return std::make_unique<LiveTable>();
+}
+
+void PollCommand::loop(PollSession &session, PollView &view)
+{
+    Console console; // before the links' threads, which are not to get its signals
+    session.start();
+    for (const std::string &assignment : m_assignments)
+        write(assignment, session, view);
+    const Clock::time_point end =
+        m_seconds.empty() ? Clock::time_point::max()
+                          : Clock::now() + milliseconds(std::lround(std::stod(m_seconds) * 1000));
+    while (Clock::now() < end && !isOver(session)) {
+        const Console::Input input =
+            console.wait(std::min(REFRESH, m_seconds.empty() ? REFRESH : millisecondsUntil(end)));
+        if (input.isEnd)
+            return;
+        if (input.isReload)
+            reload(session, view);
+        for (const std::string &line : input.lines)
+            write(line, session, view);
+        passEvents(session, view);
+        view.show(session.snapshot());
+    }
+}
+
+bool PollCommand::isOver(const PollSession &session) const
+{
+    return m_cycles > 0 && session.haveCycled(m_cycles) && session.isIdle();
+}
+
+// A mistake in the new file must not stop what runs.
+void PollCommand::reload(PollSession &session, PollView &view) const
+{
+    try {
+        session.reload(readFile());
+        view.note("the file was read again");
+    } catch (const std::exception &error) {
+        view.note(std::string("the file was not taken over: ") + error.what());
+    }
+}
+
+void PollCommand::write(const std::string &assignment, PollSession &session, PollView &view)
+{
+    const std::string refusal = session.write(assignment);
+    if (refusal.empty())
+        return;
+    view.note(assignment + ": refused: " + refusal);
+    noteStatus(EXIT_REFUSED);
+}
+
+void PollCommand::passEvents(PollSession &session, PollView &view)
+{
+    for (const Event &event : session.takeEvents()) {
+        view.tell(event);
+        if (event.state == WRITE_REFUSED)
+            noteStatus(EXIT_REFUSED);
+        if (event.state == WRITE_FAILED)
+            noteStatus(exitStatusOf(event.cause));
+    }
+}
+
+void PollCommand::noteStatus(int status)
+{
+    m_status = std::max(m_status, status);
+}

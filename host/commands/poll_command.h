@@ -1,0 +1,36 @@
+// Keeps the variables of a file up to date and shows them.
+#pragma once
+
+#include "host/commands/command.h"
+#include "host/commands/console.h"
+#include "host/commands/poll_session.h"
+#include "host/commands/talk_options.h"
+
+class PollCommand : public Command
+{
+public:
+    explicit PollCommand(CLI::App &program);
+
+    int run() override;
+
+private:
+    std::vector<Link> readFile() const;
+    std::unique_ptr<PollView> makeView() const;
+    void loop(PollSession &session, PollView &view);
+    bool isOver(const PollSession &session) const;
+    void reload(PollSession &session, PollView &view) const;
+    void write(const std::string &assignment, PollSession &session, PollView &view);
+    void passEvents(PollSession &session, PollView &view);
+    void noteStatus(int status);
+
+    TalkOptions m_talk;
+    std::string m_file;
+    std::string m_device;
+    std::vector<std::string> m_assignments;
+    std::string m_seconds;
+    int m_cycles = 0;
+    bool m_isJson = false;
+    bool m_isLines = false;
+
+    int m_status = 0; // EXIT_STATUS of the writes so far
+};

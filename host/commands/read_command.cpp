@@ -1,0 +1,73 @@
+#include "host/commands/read_command.h"
+
+#include "host/commands/exit_status.h"
+#include "host/commands/help_texts.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <sstream>
+
+ReadCommand::ReadCommand(CLI::App &program)
+    : Command(program, "read", "Reads variables once and prints a line for each value."),
+      m_line(m_options),
+      m_what(m_options),
+      m_talk(m_options)
+{
+    m_options.add_option("-c,--count", m_count, "number of values from -r on")
+        ->check(numberFrom(1, 1024))
+        ->capture_default_str();
+    m_options.add_option("variables", m_names,
+                         "variables, see below; without any, -t, -r and -c say what is read");
+    m_options.footer(std::string(VARIABLES_HELP)
+                     + "\nExamples:\n"
+                       "  panelhost read /dev/ttyUSB0 -a 3 7:100 1:3.5 input-word:0:s16:4\n"
+                       "  panelhost read /dev/ttyUSB0 -a 3 -r 101 -t 4:float -B\n");
+}
+
+int ReadCommand::run()
+{
+    Link link = m_line.link();
+    for (const std::string &name : m_names)
+        link.variables.push_back(parseVariable(name, m_line.station(), Access::READ));
+    if (m_names.empty())
+        link.variables.push_back(m_what.byReference(m_line.station(), m_count, Access::READ));
+    m_talk.begin();
+    OneShotLoop once(m_talk, link);
+    once.readAll();
+    int status = EXIT_GOOD;
+    for (const Variable &variable : link.variables)
+        status = std::max(status, print(once.loop(), variable));
+    m_talk.finish();
+    return status;
+}
+
+int ReadCommand::print(const CommunicationLoop &loop, const Variable &variable) const
+{
+    const ValueState state = loop.status().stateOf(variable);
+    if (state.freshness != Freshness::GOOD) {
+        const std::string reason =
+            state.refusal.text.empty() ? "it was not read" : state.refusal.text;
+        std::fprintf(stderr, "panelhost: station %d, %s: %s\n", variable.station,
+                     placeOf(variable).c_str(), reason.c_str());
+        return std::max<int>(exitStatusOf(state.refusal.kind), EXIT_SILENT);
+    }
+    const std::string text = textOf(variable, loop.value(variable));
+    if (m_names.empty())
+        printByReference(text, variable);
+    else
+        std::printf("%s = %s\n", variable.name.c_str(), text.c_str());
+    return EXIT_GOOD;
+}
+
+// As mbpoll prints: the reference of each value's first register.
+void ReadCommand::printByReference(const std::string &text, const Variable &variable) const
+{
+    if (variable.format.type == Format::TEXT) {
+        std::printf("[%d]: \t%s\n", m_what.reference(), text.c_str());
+        return;
+    }
+    std::istringstream values(text);
+    int reference = m_what.reference();
+    for (std::string value; values >> value; reference += valueBits(variable.format) / 16)
+        std::printf("[%d]: \t%s\n", reference, value.c_str());
+}

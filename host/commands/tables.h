@@ -1,0 +1,25 @@
+// Rows of text under aligned headings.
+#pragma once
+
+#include <string>
+#include <vector>
+
+class TextTable
+{
+public:
+    using Row = std::vector<std::string>;
+
+    explicit TextTable(const Row &headings) : m_rows{headings} {}
+
+    /// As many cells as there are headings.
+    void add(const Row &row) { m_rows.push_back(row); }
+
+    /// Each column as wide as its longest cell; no space at the end of a line.
+    std::vector<std::string> lines() const;
+
+private:
+    std::vector<Row> m_rows;
+};
+
+/// "12.3" for 12345.
+std::string thousandths(long long number);

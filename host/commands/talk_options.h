@@ -1,0 +1,43 @@
+// Options of every sub-command that talks on a line.
+#pragma once
+
+#include "host/line/capture_tap.h"
+#include "host/line/trace_tap.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+/// The driver's file as the program finds it: beside itself or, in a build tree, one folder up.
+std::string builtLibrary();
+
+/// Accepts decimal numbers without leading zeros: "010" is not to be taken for octal.
+CLI::Validator numberFrom(int lowest, int highest);
+
+/// Accepts seconds with a fraction, in decimal.
+CLI::Validator secondsFrom(double lowest, double highest);
+
+class TalkOptions
+{
+public:
+    explicit TalkOptions(CLI::App &options);
+
+    const std::string &library() const { return m_library; }
+    bool isTraced() const { return m_isTraced; }
+
+    /// Begins the trace and the capture file. Throws std::runtime_error.
+    void begin();
+
+    /// What was asked for; valid as long as this, after begin.
+    std::vector<LineTap *> taps() const;
+
+    /// Throws std::runtime_error when the capture file is not whole.
+    void finish();
+
+private:
+    std::string m_library;
+    bool m_isTraced = false;
+    std::string m_captureFile;
+    std::unique_ptr<TraceTap> m_trace;
+    std::unique_ptr<CaptureTap> m_capture;
+};

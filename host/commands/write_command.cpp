@@ -1,0 +1,108 @@
+#include "host/commands/write_command.h"
+
+#include "host/commands/exit_status.h"
+#include "host/commands/help_texts.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace
+{
+
+bool isNamed(const std::string &value)
+{
+    return value.find('=') != std::string::npos;
+}
+
+// A person sees where it goes before it goes there.
+void printTarget(const Variable &variable, const std::string &text)
+{
+    const RegisterSpan span = registersOf(variable);
+    const int first = span.first + wireOffset(span.area);
+    const int last = span.last + wireOffset(span.area);
+    const std::string registers =
+        first == last ? "register " + std::to_string(first)
+                      : "registers " + std::to_string(first) + " to " + std::to_string(last);
+    const char *const part =
+        unitBits(variable.kind) < 16 ? " (a part of it; the rest is kept)" : "";
+    std::printf("station %d, %s on the line%s: %s\n", variable.station, registers.c_str(), part,
+                text.c_str());
+    std::fflush(stdout);
+}
+
+} // namespace
+
+WriteCommand::WriteCommand(CLI::App &program)
+    : Command(program, "write", "Writes variables once; prints the register before it is written."),
+      m_line(m_options),
+      m_what(m_options),
+      m_talk(m_options)
+{
+    m_options
+        .add_option(
+            "values", m_values,
+            "VARIABLE=VALUE, see below; or values alone for -t and -r, a negative first one "
+            "after --")
+        ->required();
+    m_options.footer(std::string(VARIABLES_HELP)
+                     + "\nExamples:\n"
+                       "  panelhost write /dev/ttyUSB0 -a 3 7:100=250 1:3.5=1\n"
+                       "  panelhost write /dev/ttyUSB0 -a 3 -r 101 -t 4:float -B -- -12.5\n");
+}
+
+int WriteCommand::run()
+{
+    const std::vector<Write> todo = writes();
+    Link link = m_line.link();
+    for (const Write &write : todo)
+        link.variables.push_back(write.variable);
+    if (!areValues(todo)) // before anything goes out
+        return EXIT_REFUSED;
+    m_talk.begin();
+    OneShotLoop once(m_talk, link);
+    int status = EXIT_GOOD;
+    for (const Write &write : todo) {
+        printTarget(write.variable, write.text);
+        status = std::max(status, once.write(write.variable, write.text));
+    }
+    m_talk.finish();
+    return status;
+}
+
+bool WriteCommand::areValues(const std::vector<Write> &todo)
+{
+    for (const Write &write : todo) {
+        try {
+            valueOf(write.variable, write.text);
+        } catch (const std::invalid_argument &error) {
+            std::fprintf(stderr, "panelhost: %s: refused: %s\n", write.variable.name.c_str(),
+                         error.what());
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<WriteCommand::Write> WriteCommand::writes() const
+{
+    std::vector<Write> writes;
+    if (std::none_of(m_values.begin(), m_values.end(), isNamed)) {
+        std::string text;
+        for (const std::string &value : m_values)
+            text += (text.empty() ? "" : " ") + value;
+        Variable variable = m_what.byReference(m_line.station(), 1, Access::WRITE);
+        const bool isText = variable.format.type == Format::TEXT;
+        const int count = static_cast<int>(isText ? text.size() : m_values.size());
+        variable = m_what.byReference(m_line.station(), count, Access::WRITE);
+        variable.name = placeOf(variable);
+        return {{variable, text}};
+    }
+    for (const std::string &value : m_values) {
+        const size_t place = value.find('=');
+        if (place == std::string::npos)
+            throw std::invalid_argument("\"" + value + "\" is not VARIABLE=VALUE");
+        writes.push_back({parseVariable(value.substr(0, place), m_line.station(), Access::WRITE),
+                          value.substr(place + 1)});
+    }
+    return writes;
+}

@@ -1,0 +1,20 @@
+#include "host/line/line_settings.h"
+
+#include <tuple>
+
+namespace
+{
+
+auto fieldsOf(const LineSettings &settings)
+{
+    return std::tie(settings.devices, settings.baudRate, settings.parity, settings.stopBits,
+                    settings.replyTimeout, settings.byteTimeout, settings.guardTime,
+                    settings.silenceFloor, settings.rs485, settings.echo);
+}
+
+} // namespace
+
+bool LineSettings::operator==(const LineSettings &other) const
+{
+    return fieldsOf(*this) == fieldsOf(other);
+}

@@ -1,0 +1,22 @@
+#include "host/line/line_times.h"
+
+#include <algorithm>
+
+microseconds wireTime(const LineSettings &settings, int characters)
+{
+    const int bits = 9 + (settings.parity == 'N' ? 0 : 1) + settings.stopBits;
+    return microseconds(1000000LL * bits * characters / settings.baudRate);
+}
+
+microseconds silenceTime(const LineSettings &settings)
+{
+    const long long characters =
+        settings.baudRate > 19200 ? 1750 : (38500000LL + settings.baudRate - 1) / settings.baudRate;
+    return microseconds(std::max<long long>(characters, settings.silenceFloor));
+}
+
+int millisecondsUntil(Clock::time_point moment)
+{
+    const auto left = std::chrono::ceil<milliseconds>(moment - Clock::now()).count();
+    return static_cast<int>(std::max<long long>(left, 0));
+}

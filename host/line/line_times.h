@@ -1,0 +1,20 @@
+// How long things take on a serial line.
+#pragma once
+
+#include "host/line/line_settings.h"
+
+#include <chrono>
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+/// So many characters on the wire: start bit, 8 data bits, parity and stop bits.
+microseconds wireTime(const LineSettings &settings, int characters);
+
+/// The silence that separates frames: 3.5 characters of 11 bits, 1.750 ms above 19,200 baud, or the
+/// settings' floor where that is more.
+microseconds silenceTime(const LineSettings &settings);
+
+/// Milliseconds from now, rounded up; 0 for a moment that has passed.
+int millisecondsUntil(Clock::time_point moment);

@@ -1,0 +1,10 @@
+// A serial port that cannot be used, or can no longer.
+#pragma once
+
+#include <stdexcept>
+
+class PortError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};

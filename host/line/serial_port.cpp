@@ -1,0 +1,109 @@
+#include "host/line/serial_port.h"
+
+#include "host/line/port_error.h"
+
+#include <linux/serial.h>
+#include <sys/ioctl.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace
+{
+
+const int WRITE_TIMEOUT = 5000; // milliseconds: the largest frame at 300 baud takes less
+
+QSerialPort::Parity parityOf(char letter)
+{
+    switch (letter) {
+    case 'E':
+        return QSerialPort::EvenParity;
+    case 'O':
+        return QSerialPort::OddParity;
+    default:
+        return QSerialPort::NoParity;
+    }
+}
+
+std::string joined(const std::vector<std::string> &names)
+{
+    std::string text;
+    for (const std::string &name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+// Why a port cannot be opened, and what to do.
+std::string adviceOn(const QSerialPort &port)
+{
+    switch (port.error()) {
+    case QSerialPort::DeviceNotFoundError:
+        return "there is no such device";
+    case QSerialPort::PermissionError:
+        return "another program uses it, or this user may not (its group is often dialout)";
+    default:
+        break;
+    }
+    return "it is no serial port, or refuses these settings: " + port.errorString().toStdString();
+}
+
+} // namespace
+
+SerialPort::SerialPort(const LineSettings &settings, const AdapterIdentity &lastSeen)
+    : m_device(findPort(settings.devices, lastSeen))
+{
+    if (m_device.empty())
+        throw PortError("serial port " + joined(settings.devices)
+                        + " cannot be opened: there is no such device");
+    configure(settings);
+    if (!m_port.open(QIODevice::ReadWrite))
+        fail("cannot be opened: " + adviceOn(m_port));
+    setDirectionControl(settings.rs485);
+}
+
+void SerialPort::configure(const LineSettings &settings)
+{
+    m_port.setPortName(QString::fromStdString(m_device));
+    m_port.setBaudRate(settings.baudRate);
+    m_port.setParity(parityOf(settings.parity));
+    m_port.setStopBits(settings.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
+}
+
+// The kernel turns the transceiver around after the last bit; no program could do it in time.
+void SerialPort::setDirectionControl(Rs485 mode)
+{
+    if (mode == Rs485::OFF)
+        return;
+    serial_rs485 control = {};
+    control.flags =
+        SER_RS485_ENABLED
+        | (mode == Rs485::RTS_ON_SEND ? SER_RS485_RTS_ON_SEND : SER_RS485_RTS_AFTER_SEND);
+    if (::ioctl(m_port.handle(), TIOCSRS485, &control) != 0)
+        fail(std::string("does not switch the RS-485 direction (") + std::strerror(errno)
+             + "): its kernel driver has no TIOCSRS485; use an adapter that switches by itself and "
+               "leave rs485 out");
+}
+
+void SerialPort::write(const QByteArray &bytes)
+{
+    if (m_port.write(bytes) != bytes.size())
+        fail("does not take a frame: " + m_port.errorString().toStdString());
+    while (m_port.bytesToWrite() > 0)
+        if (!m_port.waitForBytesWritten(WRITE_TIMEOUT))
+            fail("has gone, or takes no bytes: " + m_port.errorString().toStdString());
+}
+
+QByteArray SerialPort::read(int timeout)
+{
+    const bool isThere = m_port.bytesAvailable() > 0 || m_port.waitForReadyRead(timeout);
+    const QSerialPort::SerialPortError error = m_port.error();
+    if (error != QSerialPort::NoError && error != QSerialPort::TimeoutError)
+        fail("has gone: " + m_port.errorString().toStdString());
+    m_port.clearError();
+    return isThere ? m_port.readAll() : QByteArray();
+}
+
+void SerialPort::fail(const std::string &what) const
+{
+    throw PortError("serial port " + m_device + " " + what);
+}

@@ -1,0 +1,18 @@
+#include "host/links/link.h"
+
+#include <algorithm>
+#include <set>
+
+bool Link::isWritten() const
+{
+    return std::any_of(variables.begin(), variables.end(),
+                       [](const Variable &variable) { return variable.isWritten(); });
+}
+
+std::vector<int> Link::stations() const
+{
+    std::set<int> numbers;
+    for (const Variable &variable : variables)
+        numbers.insert(variable.station);
+    return {numbers.begin(), numbers.end()};
+}

@@ -1,0 +1,284 @@
+#include "host/loop/communication_loop.h"
+
+#include "host/line/port_error.h"
+
+#include <algorithm>
+
+namespace
+{
+
+const int CYCLIC_OWNER_TAG = -1;
+const int PROBE_OWNER_TAG = -2;
+// Each turn of a lost port's clearing gives up a write, or a read between the bursts of writes.
+const int MAX_CLEARING_TURNS = 4 * LIMIT_QUEUE_ENTRIES;
+
+bool isGood(int resultCode)
+{
+    return resultCode == RESULT_GOOD || resultCode == RESULT_REMOTE_NOT_STORED;
+}
+
+std::string secondsText(Clock::duration duration)
+{
+    const auto tenths = std::chrono::duration_cast<milliseconds>(duration).count() / 100;
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " s";
+}
+
+RegisterSpan spanOf(const RW_VAR &request)
+{
+    return {request.varKind, request.addr, request.addr + request.count - 1};
+}
+
+} // namespace
+
+CommunicationLoop::CommunicationLoop(const std::string &library, const Link &link,
+                                     const std::vector<PlannedRequest> &plan,
+                                     const std::vector<LineTap *> &taps, EventSink &sink)
+    : m_driver(loadDriverCopy(library)),
+      m_taps{link.name, taps},
+      m_sink(sink),
+      m_desk(*m_driver, sink, link.name)
+{
+    m_info.commMode = COMM_DEVICE;
+    m_info.perVarStation = 1;
+    m_driver->SetComInfo(&m_info);
+    collectReports(*m_driver);
+    load(link, plan);
+}
+
+void CommunicationLoop::open()
+{
+    m_line = std::make_unique<SerialLine>(m_link.line, m_taps, m_adapter);
+    m_adapter = identityOf(m_line->device());
+    m_status.setPort(true, m_line->device());
+    tell(Event::PORT, m_line->device(), PORT_OPEN, "");
+}
+
+void CommunicationLoop::load(const Link &link, const std::vector<PlannedRequest> &plan)
+{
+    apply(link);
+    const QList<VAR_ITEM> none;
+    m_driver->ReCreatReadVarList(&none);
+    for (const PlannedRequest &request : plan)
+        m_driver->AddListReadVar(&request.var);
+    m_cycle.load(plan);
+    const std::vector<int> stations = link.stations();
+    for (const int station : m_watch.notOn()) {
+        if (std::binary_search(stations.begin(), stations.end(), station))
+            continue;
+        m_watch.forget(station);
+        m_driver->EnCommStation(station, 1);
+        m_status.setOn(station, true);
+    }
+}
+
+void CommunicationLoop::apply(const Link &link)
+{
+    const bool isOtherLine = m_line && !(link.line == m_link.line);
+    m_link = link;
+    m_info.maxRegs = link.maxRegs;
+    m_info.retryLimit = link.retries;
+    m_status.setStaleAfter(milliseconds(link.staleAfter));
+    if (isOtherLine)
+        losePort("it is opened anew with other settings");
+}
+
+bool CommunicationLoop::write(const Variable &variable, const std::string &text)
+{
+    return m_desk.offer(variable, text, m_link.maxRegs, m_link.offerAgain, obstacleTo(variable));
+}
+
+// A write that waited for a station, or for the port, would be carried out minutes later, when
+// nobody expects it any more. And requests to a disabled station lose their order.
+std::string CommunicationLoop::obstacleTo(const Variable &variable) const
+{
+    if (!m_line)
+        return "the port is not there";
+    if (m_watch.state(variable.station) != StationWatch::ON)
+        return "station " + std::to_string(variable.station) + " is off: it does not answer";
+    return std::string();
+}
+
+bool CommunicationLoop::turn()
+{
+    if (m_line)
+        beginProbe();
+    const Protocol *const pending = m_driver->ComCommunication();
+    if (!pending)
+        return false;
+    const Protocol request = *pending; // gone once DataCom is called
+    const int station = request.var.station;
+    if (!m_line)
+        giveUpUnsent(request, m_whyClosed);
+    else if (m_watch.state(station) == StationWatch::CLEARING)
+        giveUpUnsent(request, "station off");
+    else
+        exchange(request);
+    if (m_watch.state(station) == StationWatch::CLEARING && !m_desk.hasPending(station))
+        switchOff(station);
+    return true;
+}
+
+// A probe is the next request to the station that has its turn anyway: to bring it forward would
+// change the order of the others.
+void CommunicationLoop::beginProbe()
+{
+    const std::optional<int> station = m_watch.nextProbe();
+    if (!station)
+        return;
+    m_driver->EnCommStation(*station, 1);
+    const auto isReadThere = [station](const Variable &variable) {
+        return variable.station == *station && variable.isRead();
+    };
+    if (std::none_of(m_link.variables.begin(), m_link.variables.end(), isReadThere))
+        readOnce(*station);
+}
+
+void CommunicationLoop::readOnce(int station)
+{
+    const auto variable =
+        std::find_if(m_link.variables.begin(), m_link.variables.end(),
+                     [station](const Variable &candidate) { return candidate.station == station; });
+    if (variable == m_link.variables.end())
+        return;
+    RW_VAR request;
+    request.ownerTag = PROBE_OWNER_TAG;
+    request.areaNo = m_info.localArea;
+    request.station = station;
+    request.varKind = variable->kind;
+    request.addrText = QString::fromStdString(variable->address);
+    request.count = 1;
+    m_driver->AddListOnceReadVar(&request, QUEUE_CHECKED);
+}
+
+void CommunicationLoop::exchange(const Protocol &request)
+{
+    Exchange exchange;
+    try {
+        exchange = m_line->exchange(request.frame, request.replyLen);
+    } catch (const PortError &error) {
+        losePort(error.what());
+        return;
+    }
+    const int station = request.var.station;
+    const bool isProbe = m_watch.state(station) == StationWatch::PROBING;
+    const int resultCode = judge(exchange.reply, isProbe);
+    const Verdict verdict = verdictOn(request, exchange, resultCode);
+    m_taps.judged(verdict.text + (verdict.repeats ? ", will be repeated" : ""));
+    m_status.count(station, verdict, exchange);
+    m_wasHeard = m_wasHeard || verdict.kind != Verdict::NO_REPLY;
+    watchStation(station, verdict);
+    noteEnd(request, verdict);
+    settleWrites(verdict, m_watch.state(station) == StationWatch::ON);
+}
+
+// The last try is given up at its failure, whatever the limit.
+int CommunicationLoop::judge(const QByteArray &reply, bool isLastTry)
+{
+    if (isLastTry)
+        m_info.retryLimit = 0;
+    const int resultCode = m_driver->DataCom(&reply, reply.size())->retCode;
+    m_info.retryLimit = m_link.retries;
+    // The driver adds up the failures of all requests.
+    if (m_link.ownFailuresOnly && isGood(resultCode) && m_info.frameDone >= m_info.frameTotal)
+        m_info.retryCount = 0;
+    return resultCode;
+}
+
+void CommunicationLoop::giveUpUnsent(const Protocol &request, const std::string &reason)
+{
+    judge(QByteArray(), true);
+    const Verdict verdict{Verdict::NOT_SENT, 0, false, reason};
+    noteEnd(request, verdict);
+    settleWrites(verdict, false);
+}
+
+// What was under way may have been carried out or not; nobody can tell. It is not sent again when
+// the port comes back.
+void CommunicationLoop::losePort(const std::string &why)
+{
+    const std::string device = m_line->device();
+    m_line.reset();
+    m_status.setPort(false, why);
+    tell(Event::PORT, device, PORT_LOST, why);
+    m_whyClosed = "the port has gone; whether it was carried out is not known";
+    clearWrites();
+}
+
+void CommunicationLoop::close(const std::string &why)
+{
+    m_line.reset();
+    m_whyClosed = why;
+    clearWrites();
+}
+
+void CommunicationLoop::clearWrites()
+{
+    for (int i = 0; i < MAX_CLEARING_TURNS && m_desk.hasPending(); ++i)
+        turn();
+}
+
+void CommunicationLoop::noteEnd(const Protocol &request, const Verdict &verdict)
+{
+    const bool isOver = !verdict.repeats
+                        && (verdict.kind != Verdict::GOOD || m_info.frameDone >= m_info.frameTotal);
+    if (!isOver)
+        return;
+    m_wasHeard = false;
+    if (request.var.ownerTag != CYCLIC_OWNER_TAG)
+        return;
+    if (verdict.kind != Verdict::NOT_SENT)
+        m_status.readEnded(request.var.station, spanOf(request.var), verdict);
+    if (m_cycle.ended(request.var, m_watch))
+        m_status.cycleEnded();
+}
+
+void CommunicationLoop::watchStation(int station, const Verdict &verdict)
+{
+    const bool isProbe = m_watch.state(station) == StationWatch::PROBING;
+    if (isProbe && verdict.kind == Verdict::NO_REPLY) {
+        switchOff(station);
+    } else if (isProbe) {
+        const Clock::duration absence = m_watch.on(station);
+        m_status.setOn(station, true);
+        tell(Event::STATION, std::to_string(station), STATION_CAME_BACK,
+             "it answers again after " + secondsText(absence));
+    } else if (verdict.kind == Verdict::NO_REPLY && !verdict.repeats && !m_wasHeard) {
+        m_watch.silent(station);
+        m_status.setOn(station, false);
+        tell(Event::STATION, std::to_string(station), STATION_WENT_OFF,
+             "it did not answer; the others go on, and it is probed now and then");
+    }
+}
+
+void CommunicationLoop::switchOff(int station)
+{
+    m_driver->EnCommStation(station, 0);
+    m_watch.off(station);
+}
+
+void CommunicationLoop::settleWrites(const Verdict &verdict, bool mayRepeat)
+{
+    static const Verdict written{Verdict::GOOD, 0, false, ""};
+    const Verdict notWritten{Verdict::NOT_SENT, 0, false,
+                             "a write failed, and it was not read since"};
+    for (const EndedWrite &write : m_desk.settle(takeReports(), verdict, mayRepeat)) {
+        // The store shows what was to be written: of a value that is read, the next read tells.
+        if (!write.isDone || !write.variable.isRead())
+            m_status.readEnded(write.variable.station, registersOf(write.variable),
+                               write.isDone ? written : notWritten);
+    }
+}
+
+QByteArray CommunicationLoop::value(const Variable &variable) const
+{
+    QByteArray value;
+    m_driver->GetRegisterData(0, variable.kind, QString::fromStdString(variable.address),
+                              variable.station, &value, lengthOf(variable));
+    return value;
+}
+
+void CommunicationLoop::tell(Event::Kind kind, const std::string &name, const char *state,
+                             const std::string &detail)
+{
+    m_sink.tell({kind, m_taps.link, name, state, std::string(), detail, Verdict::GOOD});
+}

@@ -1,0 +1,37 @@
+// What a person wants to be told, besides values.
+#pragma once
+
+#include "host/loop/verdict.h"
+
+#include <string>
+
+struct Event {
+    enum Kind { WRITE, STATION, PORT };
+
+    Kind kind = WRITE;
+    std::string link;
+    std::string name;                    ///< the variable, the station's number or the device
+    std::string state;                   ///< see below
+    std::string value;                   ///< of a write
+    std::string detail;                  ///< the reason, or what happens now
+    Verdict::Kind cause = Verdict::GOOD; ///< of a write that failed
+};
+
+// Event::state
+const char *const WRITE_DONE = "done";
+const char *const WRITE_FAILED = "failed";
+const char *const WRITE_OFFERED_AGAIN = "offered again";
+const char *const WRITE_SUPERSEDED = "superseded";
+const char *const WRITE_REFUSED = "refused";
+const char *const STATION_WENT_OFF = "off";
+const char *const STATION_CAME_BACK = "back";
+const char *const PORT_OPEN = "open";
+const char *const PORT_LOST = "lost";
+
+/// Told on the communication thread.
+class EventSink
+{
+public:
+    virtual ~EventSink() = default;
+    virtual void tell(const Event &event) = 0;
+};

@@ -1,0 +1,18 @@
+// What became of one exchange, in words and for counting.
+#pragma once
+
+#include "host/line/serial_line.h"
+#include "velko_modbus_rtu.h"
+
+struct Verdict {
+    enum Kind { GOOD, NO_REPLY, BAD_CRC, WRONG_LENGTH, EXCEPTION, COLLISION, NOT_SENT };
+
+    Kind kind = NOT_SENT;
+    int exception = 0;    ///< its code
+    bool repeats = false; ///< failed, and the driver will ask for the frame again
+    std::string text;     ///< "good", "no answer", "exception 2 (illegal data address)", ...
+};
+
+/// `resultCode` is the driver's judgement of the exchange. While it says no more than "failed", the
+/// reason is read off the reply.
+Verdict verdictOn(const Protocol &request, const Exchange &exchange, int resultCode);
