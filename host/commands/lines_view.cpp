@@ -44,6 +44,7 @@ void LinesView::note(const std::string &text)
 
 void LinesView::finish(const Snapshot &snapshot)
 {
+    std::printf("\n");
     for (const std::string &line : summaryOf(snapshot))
         std::printf("%s\n", line.c_str());
 }
@@ -69,15 +70,13 @@ std::string sentenceOn(const StationStatus &status)
 
 } // namespace
 
-std::vector<std::string> summaryOf(const Snapshot &snapshot)
+std::vector<std::string> tablesOf(const Snapshot &snapshot)
 {
     TextTable values({"name", "station", "address", "value", "state", "age"});
     for (const ValueRow &row : snapshot.values)
         values.add({row.variable.name, std::to_string(row.variable.station), placeOf(row.variable),
                     row.text, stateText(row.state), ageText(row.state)});
-    std::vector<std::string> lines = {""};
-    const std::vector<std::string> valueLines = values.lines();
-    lines.insert(lines.end(), valueLines.begin(), valueLines.end());
+    std::vector<std::string> lines = values.lines();
     for (const LinkRow &link : snapshot.links) {
         lines.push_back("");
         lines.push_back("Link " + link.name + " on " + link.port + ", "
@@ -85,6 +84,12 @@ std::vector<std::string> summaryOf(const Snapshot &snapshot)
         const std::vector<std::string> stations = stationTable(link);
         lines.insert(lines.end(), stations.begin(), stations.end());
     }
+    return lines;
+}
+
+std::vector<std::string> summaryOf(const Snapshot &snapshot)
+{
+    std::vector<std::string> lines = tablesOf(snapshot);
     const auto good =
         std::count_if(snapshot.values.begin(), snapshot.values.end(),
                       [](const ValueRow &row) { return row.state.freshness == Freshness::GOOD; });

@@ -24,5 +24,8 @@ private:
     std::map<std::string, Shown> m_shown; // by name
 };
 
-/// The summary, which other views end with as well.
+/// The values and, for each link, the stations.
+std::vector<std::string> tablesOf(const Snapshot &snapshot);
+
+/// The tables, and what they say in words. Other views end with it as well.
 std::vector<std::string> summaryOf(const Snapshot &snapshot);

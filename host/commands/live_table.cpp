@@ -71,14 +71,14 @@ void LiveTable::finish(const Snapshot &snapshot)
     std::fputs(FIRST_SCREEN, stdout);
     for (const std::string &line : m_news)
         std::printf("%s\n", line.c_str());
+    std::printf("\n");
     for (const std::string &line : summaryOf(snapshot))
         std::printf("%s\n", line.c_str());
 }
 
 std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot) const
 {
-    std::vector<std::string> lines = summaryOf(snapshot);
-    lines.erase(lines.begin());
+    std::vector<std::string> lines = tablesOf(snapshot);
     lines.push_back("");
     const size_t skipped = m_news.size() - std::min(m_news.size(), NEWS_SHOWN);
     lines.insert(lines.end(), m_news.begin() + static_cast<std::ptrdiff_t>(skipped), m_news.end());

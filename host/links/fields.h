@@ -1,7 +1,7 @@
 // The keys of one table of a TOML file, each checked as it is taken.
 #pragma once
 
-#include "host/links/link_file.h"
+#include "host/links/file_error.h"
 
 #include <toml++/toml.h>
 
