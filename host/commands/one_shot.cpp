@@ -20,6 +20,19 @@ std::string formatNamed(const std::string &name, bool isBigEndian)
     return isWide ? name + order : name;
 }
 
+std::vector<PlannedRequest> planOf(const std::string &library, const Link &link)
+{
+    RequestPlanner planner(library);
+    std::vector<PlannedRequest> requests;
+    for (const Variable &variable : link.variables) {
+        Link alone = link;
+        alone.variables = {variable};
+        for (const PlannedRequest &request : planner.plan(alone))
+            requests.push_back(request);
+    }
+    return requests;
+}
+
 } // namespace
 
 OneShotOptions::OneShotOptions(CLI::App &options)
@@ -61,7 +74,7 @@ Variable OneShotOptions::byReference(int station, int count, Access access) cons
 }
 
 OneShotLoop::OneShotLoop(const TalkOptions &talk, const Link &link)
-    : m_loop(talk.library(), link, RequestPlanner(talk.library()).plan(link), talk.taps(), *this)
+    : m_loop(talk.library(), link, planOf(talk.library(), link), talk.taps(), *this)
 {
     m_loop.open();
 }

@@ -28,7 +28,8 @@ private:
 class OneShotLoop : public EventSink
 {
 public:
-    /// Throws std::runtime_error.
+    /// Each variable is read with requests of its own: what lies between two of them may not be
+    /// there. Throws std::runtime_error.
     OneShotLoop(const TalkOptions &talk, const Link &link);
 
     /// Each request is answered or given up. Throws PortError.

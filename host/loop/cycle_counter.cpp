@@ -23,5 +23,5 @@ bool CycleCounter::ended(const RW_VAR &request, const StationWatch &stations)
 
 CycleCounter::Key CycleCounter::keyOf(const RW_VAR &request)
 {
-    return {request.station, request.varKind, request.addr};
+    return {request.station, request.varKind, request.addr, request.count};
 }

@@ -19,7 +19,7 @@ public:
     bool ended(const RW_VAR &request, const StationWatch &stations);
 
 private:
-    using Key = std::tuple<int, int, int>; // station, area, register
+    using Key = std::tuple<int, int, int, int>; // station, area, register, count
 
     static Key keyOf(const RW_VAR &request);
 

@@ -1,0 +1,284 @@
+"""The program panelhost as its users run it, against slaves and tools that others wrote.
+
+    panelhost_test.py PANELHOST [TEST...]
+"""
+import json
+import os
+import pty
+import re
+import select
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import tty
+import unittest
+
+from pymodbus.datastore import ModbusSequentialDataBlock, ModbusServerContext, ModbusSlaveContext
+from pymodbus.server.async_io import StartSerialServer
+from pymodbus.transaction import ModbusRtuFramer
+
+PANELHOST = ""
+LIMIT = 30  # seconds for any program
+
+
+def run(*arguments, stdin=""):
+    return subprocess.run([PANELHOST, *arguments], input=stdin, capture_output=True, text=True, timeout=LIMIT)
+
+
+def wait_for(condition, what):
+    end = time.monotonic() + LIMIT
+    while not condition():
+        if time.monotonic() > end:
+            raise AssertionError("waited in vain for " + what)
+        time.sleep(0.02)
+
+
+class Simulator:
+    """panelhost simulate, whose device is self.device."""
+
+    def __init__(self, *arguments):
+        self.process = subprocess.Popen([PANELHOST, "simulate", "--baud", "0", *arguments], text=True,
+                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.device = self.process.stdout.readline().split()[1]
+
+    def tell(self, fault):
+        self.process.stdin.write(fault + "\n")
+        self.process.stdin.flush()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        self.process.communicate(timeout=LIMIT)
+
+
+class Poll:
+    """panelhost poll --json: its lines as objects."""
+
+    def __init__(self, path, *arguments):
+        self.process = subprocess.Popen([PANELHOST, "poll", path, "--json", *arguments], text=True,
+                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.seen = []
+        self.thread = threading.Thread(target=self.collect)
+        self.thread.start()
+
+    def collect(self):
+        for line in self.process.stdout:
+            self.seen.append(json.loads(line))
+
+    def write(self, assignment):
+        self.process.stdin.write(assignment + "\n")
+        self.process.stdin.flush()
+
+    def wait(self, **fields):
+        def is_there():
+            return any(all(item.get(k) == v for k, v in fields.items()) for item in list(self.seen))
+        wait_for(is_there, str(fields) + " in\n" + "\n".join(map(str, self.seen)))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.send_signal(signal.SIGINT)
+        self.process.wait(timeout=LIMIT)
+        self.thread.join()
+        self.process.stdin.close()
+        self.process.stdout.close()
+
+
+class PymodbusSlave:
+    """Station 7 on self.device: the bytes go through two pseudo-terminals, one for each side."""
+
+    def __init__(self):
+        slave_master, slave = pty.openpty()
+        host_master, host = pty.openpty()
+        for end in (slave, host):
+            tty.setraw(end)
+        self.device = os.ttyname(host)
+        self.ends = (slave, host)
+        self.store = ModbusSlaveContext(
+            hr=ModbusSequentialDataBlock(0, list(range(1000, 1200))),
+            ir=ModbusSequentialDataBlock(0, list(range(65000, 65200))), zero_mode=True)
+        context = ModbusServerContext(slaves={7: self.store}, single=False)
+        threading.Thread(target=self.pass_on, args=(slave_master, host_master), daemon=True).start()
+        threading.Thread(target=StartSerialServer, daemon=True, kwargs={
+            "context": context, "framer": ModbusRtuFramer, "port": os.ttyname(slave),
+            "baudrate": 19200, "parity": "N", "stopbits": 1, "bytesize": 8}).start()
+
+    @staticmethod
+    def pass_on(one, other):
+        while True:
+            for end in select.select([one, other], [], [])[0]:
+                os.write(other if end == one else one, os.read(end, 512))
+
+
+class PanelhostTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+
+    def file(self, text, name="test.toml"):
+        path = os.path.join(self.folder.name, name)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text)
+        return path
+
+    def link(self, device, *variables, settings=""):
+        tables = "".join("[[link.variable]]\n" + variable + "\n" for variable in variables)
+        return f'[[link]]\nname = "l"\ndevice = "{device}"\ntimeout = 100\n{settings}\n{tables}'
+
+    def assert_ends(self, result, status, *texts):
+        self.assertEqual(result.returncode, status, result)
+        for text in texts:
+            self.assertIn(text, result.stdout + result.stderr)
+
+    def test_mbpoll_reads_the_same(self):
+        with Simulator("--station", "3") as plc:
+            for kind in ("3", "4", "4:hex", "4:int", "3:float", "4:int -B", "4:float -B"):
+                options = f"-a 3 -b 19200 -P none -r 101 -c 3 -t {kind}".split()
+                ours = run("read", plc.device, *options)
+                theirs = subprocess.run(["mbpoll", "-m", "rtu", "-1", "-q", *options, plc.device],
+                                        capture_output=True, text=True, timeout=LIMIT)
+                self.assert_ends(ours, 0)
+                line = re.compile(r"^\[(\d+)\]: \t(\S+)", re.MULTILINE)
+                ours, theirs = line.findall(ours.stdout), line.findall(theirs.stdout)
+                self.assertEqual(len(ours), 3)
+                for (reference, value), (their_reference, their_value) in zip(ours, theirs, strict=True):
+                    self.assertEqual(reference, their_reference)
+                    if "float" in kind:  # of which mbpoll prints six digits
+                        self.assertEqual(f"{float(value):.5e}", f"{float(their_value):.5e}")
+                    else:
+                        self.assertEqual(value, their_value)
+
+    def test_mbpoll_writes_and_reads_what_is_written(self):
+        with Simulator("--station", "3") as plc:
+            subprocess.run(["mbpoll", "-m", "rtu", "-a", "3", "-P", "none", "-r", "201", "-q", plc.device,
+                            "4711", "4712"], stdout=subprocess.DEVNULL, check=True, timeout=LIMIT)
+            result = run("read", plc.device, "-a", "3", "-P", "none", "-0", "-r", "200", "-c", "2")
+            self.assert_ends(result, 0, "[200]: \t4711\n[201]: \t4712\n")
+            written = run("write", plc.device, "-a", "3", "-P", "none", "-r", "301", "-t", "4:float", "-B", "--",
+                          "-12.5")
+            self.assert_ends(written, 0, "station 3, registers 300 to 301 on the line: -12.5\n")
+            theirs = subprocess.run(["mbpoll", "-m", "rtu", "-a", "3", "-P", "none", "-r", "301", "-t", "4:float",
+                                     "-B", "-1", "-q", plc.device], capture_output=True, text=True, timeout=LIMIT)
+            self.assertIn("[301]: \t-12.5\n", theirs.stdout)
+
+    def test_a_slave_that_others_wrote(self):
+        slave = PymodbusSlave()
+        where = (slave.device, "-a", "7", "-P", "none", "-o", "2")
+        wait_for(lambda: run("read", *where, "-0", "-r", "0").returncode == 0, "the slave")
+        self.assert_ends(run("read", *where, "7:5", "6:6:s16:2", "1:20.3"), 0,
+                         "7:5 = 1005\n6:6:s16:2 = -530 -529\n1:20.3 = 0\n")
+        self.assert_ends(run("write", *where, "7:5:u32=305419896", "1:20.3=1", "4:23=9"), 0)
+        self.assertEqual(slave.store.getValues(3, 5, 7), [0x5678, 0x1234, 1007, 1008, 1009, 1010 | 8, 0x09F3])
+        self.assert_ends(run("read", *where, "7:500"), 6, "exception 2 (illegal data address)")
+
+    def test_exit_statuses(self):
+        good = self.file(self.link("/dev/none", 'name = "v"\nkind = "input word"\naddress = 0'))
+        bad = self.file("[[link]]\nnam = 1\n", "bad.toml")
+        with Simulator("--station", "1") as plc:
+            quick = (plc.device, "-o", "0.05")
+            rows = [
+                (0, "7:0 = 23205", "read", *quick, "7:0"),
+                (1, "cannot load the driver", "read", *quick, "7:0", "--library", "/none.so"),
+                (1, "capture file", "read", *quick, "7:0", "--pcap", "/none/x"),
+                (2, "subcommand is required", "--hlep"),
+                (2, "subcommand is required"),
+                (2, "is not a number from 1 to 247", "read", *quick, "-a", "248"),
+                (2, "is not a number from 300", "read", *quick, "-b", "010"),
+                (2, "references count from 1", "read", *quick, "-r", "0"),
+                (2, "coils and discrete inputs", "read", *quick, "-t", "0"),
+                (2, "kind \"99\"", "read", *quick, "99:0"),
+                (2, "cannot be written", "write", *quick, "6:0=1"),
+                (2, "not VARIABLE=VALUE", "write", *quick, "7:0=1", "2"),
+                (3, "bad.toml:2:1: unknown key \"nam\"", "poll", bad),
+                (3, "bad.toml:2:1: unknown key \"nam\"", "plan", bad),
+                (4, "/dev/none cannot be opened: there is no such device", "read", "/dev/none"),
+                (4, "/dev/none cannot be opened", "poll", good),
+                (4, "does not switch the RS-485 direction", "read", *quick, "-F", "7:0"),
+                (5, "station 2, holding word 0: no answer", "read", *quick, "-a", "2", "7:0"),
+                (5, "7:0 = 1: failed: no answer", "write", *quick, "-a", "2", "7:0=1"),
+                (5, "no echo", "read", *quick, "-a", "2", "--echo", "7:0"),
+                (6, "exception 2 (illegal data address)", "read", *quick, "7:0", "7:9000"),
+                (6, "exception 2 (illegal data address)", "write", *quick, "7:9000=1"),
+                (6, "refused: \"65536\" is out of range: 0 to 65535", "write", *quick, "7:0=65536"),
+            ]
+            for status, text, *arguments in rows:
+                with self.subTest(arguments=arguments):
+                    self.assert_ends(run(*arguments), status, text)
+
+    def test_plan(self):
+        content = self.link(
+            "/dev/x", 'name = "a"\nkind = "holding word"\naddress = 10',
+            'name = "b"\nkind = "holding word"\naddress = 70', 'name = "c"\nstation = 2\nkind = "input word"\naddress = 0',
+            'name = "d"\nkind = "holding 5000 word"\naddress = 1\naccess = "write"', settings="baud = 9600")
+        result = run("plan", self.file(content))
+        self.assert_ends(result, 0)
+        rows = [line.split() for line in result.stdout.splitlines()]
+        # 8 + 5 + 2 x 61 bytes of 11 bits at 9,600 baud.
+        self.assertIn(["1", "3", "10..70", "61", "2", "59", "135", "154.7"], rows)
+        self.assertIn(["2", "4", "0..0", "1", "1", "0", "15", "17.2"], rows)
+        self.assertIn("2 requests; a cycle takes 187.9 ms at 9600 baud", result.stdout)
+        self.assertIn("station 1, registers 11 to 69 are read for nothing: 118 bytes, 135.2 ms", result.stdout)
+        self.assertIn("set maxRegs below 60", result.stdout)
+        split = self.file(content.replace("baud", "maxRegs = 58\nbaud"))
+        self.assert_ends(run("plan", split), 0, "3 requests")
+
+    def test_reload_keeps_queued_writes_and_values(self):
+        word = 'name = "{}"\nkind = "holding word"\naddress = {}\naccess = "read-write"'
+        with Simulator("--station", "1") as plc:
+            path = self.file(self.link(plc.device, word.format("a", 0)))
+            with Poll(path) as poll:
+                poll.wait(event="value", name="a", value=23205, state="good")
+                plc.tell("1:silent")
+                poll.write("a=5")
+                time.sleep(0.05)
+                plc.tell("1:none")
+                self.file(self.link(plc.device, word.format("b", 100), word.format("c", 0)))
+                poll.process.send_signal(signal.SIGHUP)
+                poll.wait(event="note", text="the file was read again")
+                poll.wait(event="write", name="a", state="done")
+                poll.wait(event="value", name="b", value=45009, state="good")
+                poll.wait(event="value", name="c", value=5, state="good")
+                self.file("x")
+                poll.process.send_signal(signal.SIGHUP)
+                wait_for(lambda: "not taken over" in poll.seen[-1].get("text", "")
+                         or any("not taken over" in item.get("text", "") for item in poll.seen), "the refusal")
+                poll.write("b=7")
+                poll.wait(event="write", name="b", value="7", state="done")
+                poll.write("nothing")
+                poll.wait(event="note", text='nothing: refused: "nothing" is not NAME=VALUE')
+            self.assertEqual(poll.process.returncode, 6)  # for that one
+
+    def test_two_links(self):
+        with Simulator("--station", "1") as one, Simulator("--station", "2") as two:
+            second = self.link(two.device, 'name = "b"\nstation = 2\nkind = "input word"\naddress = 12')
+            path = self.file(self.link(one.device, 'name = "a"\nkind = "input word"\naddress = 13')
+                             + second.replace('"l"', '"m"'))
+            result = run("poll", path, "--cycles", "3", "--set", "a=1", "--set", "none=1")
+            self.assert_ends(result, 6, "a = 41359  (good)", "b = 38536  (good)", "2 of 2 values are good.",
+                             "a = 1: refused: it is read only", "none=1: refused: there is no variable")
+
+    def test_capture_and_trace(self):
+        capture = os.path.join(self.folder.name, "x.pcap")
+        with Simulator("--station", "1", "--fault", "1:exception=6/3") as plc:
+            result = run("write", plc.device, "7:0=258", "7:1=3", "1:4.0=1", "--pcap", capture, "--trace")
+            self.assert_ends(result, 0, "line -> 01 10 00 00 00 01 02 01 02 26 01",
+                             "line <- 01 10 00 00 00 01 01 C9", "line == good",
+                             "line == exception 6 (slave device busy), will be repeated")
+        decoded = subprocess.run(
+            ["tshark", "-r", capture, "-o", 'uat:user_dlts:"User 0 (DLT=147)","mbrtu","0","","0",""',
+             "-T", "fields", "-e", "frame.len", "-e", "mbrtu.unit_id", "-e", "modbus.func_code",
+             "-e", "modbus.exception_code"], capture_output=True, text=True, timeout=LIMIT, check=True)
+        self.assertEqual([line.split() for line in decoded.stdout.splitlines()], [
+            ["11", "1", "16"], ["8", "1", "16"], ["11", "1", "16"], ["8", "1", "16"], ["8", "1", "3"],
+            ["5", "1", "3", "6"], ["8", "1", "3"], ["7", "1", "3"], ["11", "1", "16"], ["8", "1", "16"]])
+
+
+if __name__ == "__main__":
+    PANELHOST = sys.argv.pop(1)
+    unittest.main(verbosity=2)
