@@ -22,7 +22,7 @@ std::string errorOf(const std::string &content)
         readLinkFile(path.toStdString());
         return "good";
     } catch (const FileError &error) {
-        return std::string(error.what()).substr(folder.path().size() + 1);
+        return std::string(error.what()).substr(folder.path().toStdString().size() + 1);
     }
 }
 

@@ -1,10 +1,12 @@
 #include "host/commands/console.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -16,17 +18,28 @@ namespace
 
 const size_t LONGEST_LINE = 10000;
 
+std::string trimmed(const std::string &text)
+{
+    const char *const blanks = " \t\r";
+    const size_t begin = text.find_first_not_of(blanks);
+    if (begin == std::string::npos)
+        return std::string();
+    return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
+}
+
 } // namespace
 
-Console::Console()
+// Without a standard input the next file that is opened gets its number.
+Console::Console() : m_isInputOpen(::fcntl(STDIN_FILENO, F_GETFD) >= 0)
 {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&signals, signal);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     m_signals = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-    if (m_signals < 0)
+    // In the background, reading the terminal is to fail rather than to stop the program.
+    sigaddset(&signals, SIGTTIN);
+    if (m_signals < 0 || ::pthread_sigmask(SIG_BLOCK, &signals, nullptr) != 0)
         throw std::runtime_error(std::string("signals cannot be waited for: ")
                                  + std::strerror(errno));
 }
@@ -65,17 +78,18 @@ void Console::readLines(Input &input)
     std::array<char, 4096> bytes;
     const ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
     if (count <= 0) {
-        m_isInputOpen = count < 0 && errno == EINTR;
-        if (!m_isInputOpen && !m_rest.empty())
-            input.lines.push_back(m_rest);
-        return;
+        m_isInputOpen = count < 0 && (errno == EINTR || errno == EAGAIN);
+        if (m_isInputOpen || m_rest.empty())
+            return;
+        m_rest += '\n';
     }
-    m_rest.append(bytes.data(), static_cast<size_t>(count));
+    m_rest.append(bytes.data(), static_cast<size_t>(std::max<ssize_t>(count, 0)));
     for (size_t end = m_rest.find('\n'); end != std::string::npos; end = m_rest.find('\n')) {
-        if (end > 0)
-            input.lines.push_back(m_rest.substr(0, end));
+        const std::string line = trimmed(m_rest.substr(0, end));
+        if (!line.empty())
+            input.lines.push_back(line);
         m_rest.erase(0, end + 1);
     }
-    if (m_rest.size() > LONGEST_LINE)
-        m_rest.clear(); // no line at all
+    // Enough to be refused; the rest of such a line need not be kept.
+    m_rest.resize(std::min(m_rest.size(), LONGEST_LINE));
 }

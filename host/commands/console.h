@@ -20,15 +20,15 @@ public:
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
 
-    /// What comes within `milliseconds`, none when nothing does. The end of standard input ends
-    /// nothing.
+    /// What comes within `milliseconds`; lines without blanks around them, none empty. The end of
+    /// standard input ends nothing.
     Input wait(int milliseconds);
 
 private:
     void readSignals(Input &input) const;
     void readLines(Input &input);
 
+    bool m_isInputOpen;
     int m_signals;
-    bool m_isInputOpen = true;
     std::string m_rest; // of a line whose end has not come yet
 };

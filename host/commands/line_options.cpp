@@ -1,19 +1,8 @@
 #include "host/commands/line_options.h"
 
-#include "host/commands/talk_options.h"
+#include "host/commands/numbers.h"
 
 #include <cctype>
-#include <cmath>
-
-namespace
-{
-
-int millisecondsIn(const std::string &seconds)
-{
-    return static_cast<int>(std::lround(std::stod(seconds) * 1000));
-}
-
-} // namespace
 
 LineOptions::LineOptions(CLI::App &options)
 {
@@ -32,12 +21,12 @@ LineOptions::LineOptions(CLI::App &options)
         ->check(numberFrom(1, 2))
         ->capture_default_str();
     options.add_option("-o,--timeout", m_timeout, "seconds until the first byte of an answer")
-        ->check(secondsFrom(0.001, 60))
+        ->check(secondsFrom(1, 60000))
         ->capture_default_str();
     options
         .add_option("--guard", m_guard,
                     "seconds that the line rests after a time-out (default: the time-out)")
-        ->check(secondsFrom(0, 60));
+        ->check(secondsFrom(0, 60000));
     options
         .add_option("--byte-timeout", line.byteTimeout,
                     "milliseconds between two bytes of an answer")

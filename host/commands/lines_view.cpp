@@ -79,8 +79,8 @@ std::vector<std::string> tablesOf(const Snapshot &snapshot)
     std::vector<std::string> lines = values.lines();
     for (const LinkRow &link : snapshot.links) {
         lines.push_back("");
-        lines.push_back("Link " + link.name + " on " + link.port + ", "
-                        + std::to_string(link.cycles) + " cycles");
+        lines.push_back("Link " + link.name + (link.isOpen ? " on " : " without its port: ")
+                        + link.port + ", " + std::to_string(link.cycles) + " cycles");
         const std::vector<std::string> stations = stationTable(link);
         lines.insert(lines.end(), stations.begin(), stations.end());
     }

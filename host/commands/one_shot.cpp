@@ -1,6 +1,7 @@
 #include "host/commands/one_shot.h"
 
 #include "host/commands/exit_status.h"
+#include "host/commands/numbers.h"
 #include "host/line/port_error.h"
 
 #include <cstdio>

@@ -4,6 +4,7 @@
 #include "host/commands/json_view.h"
 #include "host/commands/lines_view.h"
 #include "host/commands/live_table.h"
+#include "host/commands/numbers.h"
 #include "host/commands/one_shot.h"
 
 #include <unistd.h>
@@ -46,11 +47,12 @@ PollCommand::PollCommand(CLI::App &program)
 {
     m_options.add_option("file", m_file, "file of links and variables")->required();
     m_options.add_option("--device", m_device, "serial device instead of the file's, for one link");
-    m_options.add_option("--set", m_assignments, "NAME=VALUE: a write; as often as wanted");
+    m_options.add_option("--set", m_assignments, "NAME=VALUE: a write; as often as wanted")
+        ->allow_extra_args(false);
     m_options.add_option("--cycles", m_cycles, "end when each variable was read so often")
         ->check(numberFrom(1, 1000000));
     m_options.add_option("--seconds", m_seconds, "end after so many seconds")
-        ->check(secondsFrom(0.1, 31536000));
+        ->check(secondsFrom(100, 999999999));
     CLI::Option *const json = m_options.add_flag("--json", m_isJson, "print JSON lines");
     m_options.add_flag("--lines", m_isLines, "print lines of text, on a terminal as well")
         ->excludes(json);
@@ -102,9 +104,9 @@ void PollCommand::loop(PollSession &session, PollView &view)
     session.start();
     for (const std::string &assignment : m_assignments)
         write(assignment, session, view);
-    const Clock::time_point end =
-        m_seconds.empty() ? Clock::time_point::max()
-                          : Clock::now() + milliseconds(std::lround(std::stod(m_seconds) * 1000));
+    const Clock::time_point end = m_seconds.empty()
+                                      ? Clock::time_point::max()
+                                      : Clock::now() + milliseconds(millisecondsIn(m_seconds));
     while (Clock::now() < end && !isOver(session)) {
         const Console::Input input =
             console.wait(std::min(REFRESH, m_seconds.empty() ? REFRESH : millisecondsUntil(end)));

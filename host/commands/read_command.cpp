@@ -2,6 +2,7 @@
 
 #include "host/commands/exit_status.h"
 #include "host/commands/help_texts.h"
+#include "host/commands/numbers.h"
 
 #include <algorithm>
 #include <cstdio>

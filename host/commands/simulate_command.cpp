@@ -1,20 +1,12 @@
 #include "host/commands/simulate_command.h"
 
+#include "host/commands/console.h"
 #include "host/commands/exit_status.h"
+#include "host/commands/numbers.h"
 #include "host/plc/simulated_plc.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <pthread.h>
-#include <sys/signalfd.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <deque>
 #include <filesystem>
 #include <map>
@@ -30,9 +22,7 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-const size_t LONGEST_LINE = 200;
 const size_t REMEMBERED_REQUESTS = 100000; // by the simulated line
-const size_t MOST_DIGITS = 6;              // of whole seconds: eleven days
 const milliseconds LONGEST_WAIT(60000);
 
 const char *const FOOTER = R"(
@@ -65,42 +55,6 @@ The clock of each further station is 2 s ahead of the one before it.
 
 // --- Options ---
 
-// No leading zeros: "010" is not to be taken for octal.
-std::string checkNumber(const std::string &text, int lowest, int highest)
-{
-    const bool isDecimal = !text.empty() && text.size() <= 9
-                           && text.find_first_not_of("0123456789") == std::string::npos
-                           && (text == "0" || text[0] != '0');
-    if (isDecimal && std::stoi(text) >= lowest && std::stoi(text) <= highest)
-        return std::string();
-    return "\"" + text + "\" is not a number from " + std::to_string(lowest) + " to "
-           + std::to_string(highest) + " without leading zeros";
-}
-
-CLI::Validator numberFrom(int lowest, int highest)
-{
-    return {[=](std::string &text) { return checkNumber(text, lowest, highest); },
-            std::to_string(lowest) + ".." + std::to_string(highest)};
-}
-
-// Digits with a point or without one. The language's own functions would want a comma in some
-// countries.
-milliseconds durationIn(const std::string &text, const std::string &option)
-{
-    const size_t point = std::min(text.find('.'), text.size());
-    const std::string whole = text.substr(0, point);
-    const std::string fraction = point < text.size() ? text.substr(point + 1) : "0";
-    const auto isDigits = [](const std::string &part, size_t most) {
-        return !part.empty() && part.size() <= most
-               && part.find_first_not_of("0123456789") == std::string::npos;
-    };
-    if (!isDigits(whole, MOST_DIGITS) || !isDigits(fraction, 3))
-        throw std::invalid_argument(option + ": \"" + text
-                                    + "\" is no number of seconds, such as 5 or 2.5, from 0 to "
-                                      "999999.999");
-    return milliseconds(std::stoi(whole) * 1000 + std::stoi((fraction + "00").substr(0, 3)));
-}
-
 struct TimedFault {
     milliseconds time;
     std::string text; // as given
@@ -124,7 +78,7 @@ TimedFault timedFaultFor(const std::vector<int> &stations, const std::string &te
         throw std::invalid_argument("--at \"" + text
                                     + "\" must be SECONDS:STATION:FAULT, for example 5:2:silent");
     const std::string fault = text.substr(colon + 1);
-    return {durationIn(text.substr(0, colon), "--at"), fault, faultFor(stations, fault)};
+    return {milliseconds(millisecondsIn(text.substr(0, colon))), fault, faultFor(stations, fault)};
 }
 
 std::vector<TimedFault> timedFaultsFor(const std::vector<int> &stations,
@@ -191,87 +145,6 @@ private:
     fs::path m_device;
 };
 
-// To be made before any thread: they inherit that the signals wait here.
-class EndSignals
-{
-public:
-    EndSignals()
-    {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGINT);
-        sigaddset(&signals, SIGTERM);
-        m_descriptor = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-        // In the background, reading the terminal is to fail rather than to stop the program.
-        sigaddset(&signals, SIGTTIN);
-        if (m_descriptor < 0 || ::pthread_sigmask(SIG_BLOCK, &signals, nullptr) != 0)
-            throw std::runtime_error(std::string("signals cannot be waited for: ")
-                                     + std::strerror(errno));
-    }
-    ~EndSignals() { ::close(m_descriptor); }
-    EndSignals(const EndSignals &) = delete;
-    EndSignals &operator=(const EndSignals &) = delete;
-    int descriptor() const { return m_descriptor; }
-
-private:
-    int m_descriptor = -1;
-};
-
-// The lines of standard input, as they come.
-class InputLines
-{
-public:
-    // Without a standard input the next file that is opened gets its number.
-    InputLines() : m_descriptor(::fcntl(STDIN_FILENO, F_GETFD) >= 0 ? STDIN_FILENO : -1) {}
-
-    /// -1 when nothing will come any more.
-    int descriptor() const { return m_descriptor; }
-
-    /// Reads what is there and returns the lines that are complete by now.
-    std::vector<std::string> read()
-    {
-        std::array<char, 1024> bytes;
-        const ssize_t got = ::read(m_descriptor, bytes.data(), bytes.size());
-        if (got < 0 && (errno == EINTR || errno == EAGAIN))
-            return {};
-        if (got > 0)
-            m_text.append(bytes.data(), static_cast<size_t>(got));
-        else
-            m_descriptor = -1;
-        if (got <= 0 && !m_text.empty())
-            m_text += '\n';
-        return takeLines();
-    }
-
-private:
-    std::vector<std::string> takeLines()
-    {
-        std::vector<std::string> lines;
-        size_t begin = 0;
-        for (size_t end = m_text.find('\n'); end != std::string::npos;
-             end = m_text.find('\n', begin)) {
-            lines.push_back(m_text.substr(begin, end - begin));
-            begin = end + 1;
-        }
-        m_text.erase(0, begin);
-        // Enough to be refused; the rest of such a line need not be kept.
-        m_text.resize(std::min(m_text.size(), LONGEST_LINE));
-        return lines;
-    }
-
-    int m_descriptor;
-    std::string m_text;
-};
-
-std::string trimmed(const std::string &text)
-{
-    const char *const blanks = " \t\r";
-    const size_t begin = text.find_first_not_of(blanks);
-    if (begin == std::string::npos)
-        return std::string();
-    return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
-
 // --- While the PLCs run ---
 
 struct Schedule {
@@ -290,18 +163,16 @@ public:
     }
 
     /// Until the end of the schedule or a signal.
-    void run(const EndSignals &signals)
+    void run(Console &console)
     {
         while (!isOver()) {
             applyDueFaults();
             std::fflush(stdout);
-            std::array<pollfd, 2> events = {
-                {{signals.descriptor(), POLLIN, 0}, {m_input.descriptor(), POLLIN, 0}}};
-            ::poll(events.data(), events.size(), static_cast<int>(waitTime().count()));
-            if (events[0].revents != 0)
+            const Console::Input input = console.wait(static_cast<int>(waitTime().count()));
+            if (input.isEnd || input.isReload)
                 return;
-            if (events[1].revents != 0)
-                obeyInput();
+            for (const std::string &line : input.lines)
+                obey(line);
         }
     }
 
@@ -334,15 +205,6 @@ private:
         }
     }
 
-    void obeyInput()
-    {
-        for (const std::string &line : m_input.read()) {
-            const std::string text = trimmed(line);
-            if (!text.empty())
-                obey(text);
-        }
-    }
-
     void obey(const std::string &text)
     {
         try {
@@ -357,7 +219,6 @@ private:
     SimulatedPlc &m_plc;
     std::vector<int> m_stations;
     Schedule m_schedule;
-    InputLines m_input;
     Clock::time_point m_start = Clock::now();
 };
 
@@ -443,7 +304,7 @@ SimulateCommand::SimulateCommand(CLI::App &program)
         ->type_name("PATH");
     add("--seconds", m_seconds,
         "end after this time, fractions allowed; without it, at Ctrl-C or a SIGTERM")
-        ->type_name("SECONDS");
+        ->check(secondsFrom(1, 999999999));
     m_options.footer(FOOTER);
 }
 
@@ -462,16 +323,16 @@ int SimulateCommand::run()
     const std::vector<TimedFault> later = timedFaultsFor(m_stations, m_laterFaults);
     Schedule schedule = {{later.begin(), later.end()}, std::nullopt};
     if (!m_seconds.empty())
-        schedule.end = durationIn(m_seconds, "--seconds");
+        schedule.end = milliseconds(millisecondsIn(m_seconds));
     DeviceLink::requireFree(m_link);
 
-    const EndSignals signals;
+    Console console; // before the simulated line's thread
     SimulatedPlc plc(settings);
     const DeviceLink link(m_link, plc.device().toStdString());
     for (const StationFault &fault : faults)
         plc.setFault(fault.station, fault.fault);
     printStart(plc, settings, m_link);
-    Simulation(plc, m_stations, std::move(schedule)).run(signals);
+    Simulation(plc, m_stations, std::move(schedule)).run(console);
     printRequests(plc, m_stations);
     return EXIT_GOOD;
 }

@@ -1,8 +1,6 @@
 #include "host/commands/tables.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 std::vector<std::string> TextTable::lines() const
 {
@@ -21,9 +19,11 @@ std::vector<std::string> TextTable::lines() const
     return lines;
 }
 
-std::string thousandths(long long number)
+// By hand: printf would write a comma in some countries.
+std::string thousandths(long long number, int digits)
 {
-    std::array<char, 32> text;
-    std::snprintf(text.data(), text.size(), "%.1f", static_cast<double>(number) / 1000);
-    return text.data();
+    const long long unit = digits == 1 ? 100 : 1;
+    const long long rounded = (number + unit / 2) / unit;
+    const long long whole = 1000 / unit;
+    return std::to_string(rounded / whole) + "." + std::to_string(whole + rounded % whole).substr(1);
 }

@@ -21,5 +21,5 @@ private:
     std::vector<Row> m_rows;
 };
 
-/// "12.3" for 12345.
-std::string thousandths(long long number);
+/// "12.3" for 12345 with one digit behind the point, "12.345" with three. Not negative.
+std::string thousandths(long long number, int digits = 1);

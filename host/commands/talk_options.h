@@ -11,12 +11,6 @@
 /// The driver's file as the program finds it: beside itself or, in a build tree, one folder up.
 std::string builtLibrary();
 
-/// Accepts decimal numbers without leading zeros: "010" is not to be taken for octal.
-CLI::Validator numberFrom(int lowest, int highest);
-
-/// Accepts seconds with a fraction, in decimal.
-CLI::Validator secondsFrom(double lowest, double highest);
-
 class TalkOptions
 {
 public:
