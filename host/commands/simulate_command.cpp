@@ -276,7 +276,8 @@ void printRequests(const SimulatedPlc &plc, const std::vector<int> &stations)
 } // namespace
 
 SimulateCommand::SimulateCommand(CLI::App &program)
-    : Command(program, "simulate", "Simulated PLCs on a pseudo-terminal, to try a master on")
+    : Command(program, "simulate", "Simulated PLCs on a pseudo-terminal, to try a master on"),
+      m_taps(m_options)
 {
     const auto add = [this](const char *name, auto &target, const char *help) {
         return m_options.add_option(name, target, help);
@@ -315,6 +316,8 @@ int SimulateCommand::run()
     settings.baudRate = m_baudRate;
     settings.echo = m_echo;
     settings.moving = true;
+    m_taps.begin();
+    settings.taps = {"line", m_taps.taps()};
     requireDifferent(m_stations);
     std::vector<StationFault> faults;
     faults.reserve(m_faults.size());
@@ -334,5 +337,6 @@ int SimulateCommand::run()
     printStart(plc, settings, m_link);
     Simulation(plc, m_stations, std::move(schedule)).run(console);
     printRequests(plc, m_stations);
+    m_taps.finish();
     return EXIT_GOOD;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/commands/command.h"
+#include "host/commands/talk_options.h"
 
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@ public:
     int run() override;
 
 private:
+    TapOptions m_taps;
     std::vector<int> m_stations = {1, 2, 3};
     int m_baudRate = 19200;
     std::vector<std::string> m_faults;

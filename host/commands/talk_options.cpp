@@ -19,17 +19,16 @@ std::string builtLibrary()
     return fs::exists(beside) ? beside.string() : (folder.parent_path() / LIBRARY_NAME).string();
 }
 
-TalkOptions::TalkOptions(CLI::App &options) : m_library(builtLibrary())
+TapOptions::TapOptions(CLI::App &options)
 {
     options.add_flag("--trace", m_isTraced,
                      "print each frame in hexadecimal on standard error: -> sent, <- received, xx "
                      "dropped, == what became of it");
     options.add_option("--pcap", m_captureFile,
                        "write each frame to this capture file, link type 147, for tshark");
-    options.add_option("--library", m_library, "the driver's file")->capture_default_str();
 }
 
-void TalkOptions::begin()
+void TapOptions::begin()
 {
     if (m_isTraced)
         m_trace = std::make_unique<TraceTap>(stderr);
@@ -37,7 +36,7 @@ void TalkOptions::begin()
         m_capture = std::make_unique<CaptureTap>(m_captureFile);
 }
 
-std::vector<LineTap *> TalkOptions::taps() const
+std::vector<LineTap *> TapOptions::taps() const
 {
     std::vector<LineTap *> taps;
     if (m_trace)
@@ -47,8 +46,13 @@ std::vector<LineTap *> TalkOptions::taps() const
     return taps;
 }
 
-void TalkOptions::finish()
+void TapOptions::finish()
 {
     if (m_capture)
         m_capture->finish();
+}
+
+TalkOptions::TalkOptions(CLI::App &options) : TapOptions(options), m_library(builtLibrary())
+{
+    options.add_option("--library", m_library, "the driver's file")->capture_default_str();
 }

@@ -11,12 +11,12 @@
 /// The driver's file as the program finds it: beside itself or, in a build tree, one folder up.
 std::string builtLibrary();
 
-class TalkOptions
+/// --trace and --pcap.
+class TapOptions
 {
 public:
-    explicit TalkOptions(CLI::App &options);
+    explicit TapOptions(CLI::App &options);
 
-    const std::string &library() const { return m_library; }
     bool isTraced() const { return m_isTraced; }
 
     /// Begins the trace and the capture file. Throws std::runtime_error.
@@ -29,9 +29,20 @@ public:
     void finish();
 
 private:
-    std::string m_library;
     bool m_isTraced = false;
     std::string m_captureFile;
     std::unique_ptr<TraceTap> m_trace;
     std::unique_ptr<CaptureTap> m_capture;
+};
+
+/// Those, and the driver that does the talking.
+class TalkOptions : public TapOptions
+{
+public:
+    explicit TalkOptions(CLI::App &options);
+
+    const std::string &library() const { return m_library; }
+
+private:
+    std::string m_library;
 };

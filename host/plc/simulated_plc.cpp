@@ -251,7 +251,8 @@ class Outbox
 public:
     struct Chunk {
         QByteArray bytes;
-        uint64_t entry; // of the request, in the log
+        uint64_t entry;   // of the request, in the log
+        QByteArray whole; // behind the last bytes of a piece: all of them
     };
 
     /// Returns when the last byte is due.
@@ -266,7 +267,9 @@ public:
                                  : static_cast<int>(SHORTEST_STEP / character) + 1;
             for (int sent = 0; sent < size; sent += step) {
                 const QByteArray bytes = piece.bytes.mid(sent, step);
-                m_chunks.insert({begin + character * (sent + bytes.size()), {bytes, entry}});
+                const bool isLast = sent + bytes.size() == size;
+                m_chunks.insert({begin + character * (sent + bytes.size()),
+                                 {bytes, entry, isLast ? piece.bytes : QByteArray()}});
             }
             begin += character * size;
         }
@@ -506,6 +509,7 @@ void SimulatedPlc::serve()
 void SimulatedPlc::handle(const Request &request)
 {
     const uint64_t entry = note(request);
+    m_settings.taps.sent(request.frame);
     if (echo(request.frame) && endsInItsCrc(request.frame)) {
         const int addressed = byteAt(request.frame, 0);
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -552,6 +556,7 @@ void SimulatedPlc::sendDue()
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_line->send(chunk.bytes);
         noteEnd(chunk.entry);
+        m_settings.taps.received(chunk.whole);
     }
 }
 

@@ -2,6 +2,7 @@
 // their protocol; the line with its speed and its faults is ours.
 #pragma once
 
+#include "host/line/line_tap.h"
 #include "host/plc/faults.h"
 
 #include <QByteArray>
@@ -21,6 +22,7 @@ struct SimulatedLineSettings {
     int baudRate = 0;    ///< requests and replies take their time on the line; 0: they take none
     bool echo = false;   ///< the line returns what the master sends, as some RS-485 adapters do
     bool moving = false; ///< input registers 0 to 9 change with time
+    LineTaps taps;       ///< see the requests as sent, and what the stations send as received
 };
 
 /// A request as it arrived, to whatever station.
