@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 
+#include <csignal>
 #include <cstdio>
 
 namespace
@@ -67,6 +68,8 @@ int fail(const std::exception &error, int status)
 
 int main(int argc, char *argv[])
 {
+    // A reader of the output that goes away is told about; the port is closed in good order.
+    std::signal(SIGPIPE, SIG_IGN);
     try {
         return checkOutput(parseAndRun(argc, argv));
     } catch (const std::invalid_argument &error) {

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 
 namespace
 {
@@ -123,6 +124,8 @@ void PollCommand::loop(PollSession &session, PollView &view)
 
 bool PollCommand::isOver(const PollSession &session) const
 {
+    if (std::ferror(stdout) != 0)
+        return true; // nobody reads it
     return m_cycles > 0 && session.haveCycled(m_cycles) && session.isIdle();
 }
 

@@ -4,6 +4,8 @@
 
 #include <linux/serial.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 #include <cerrno>
 #include <cstring>
@@ -23,6 +25,16 @@ QSerialPort::Parity parityOf(char letter)
     default:
         return QSerialPort::NoParity;
     }
+}
+
+// It knows no parity, and some of the system's functions take exception to that.
+bool isPseudoTerminal(const std::string &device)
+{
+    const unsigned first = 136; // of the major numbers that are set aside for them
+    const unsigned last = 143;
+    struct stat status = {};
+    return ::stat(device.c_str(), &status) == 0 && S_ISCHR(status.st_mode)
+           && major(status.st_rdev) >= first && major(status.st_rdev) <= last;
 }
 
 std::string joined(const std::vector<std::string> &names)
@@ -65,7 +77,8 @@ void SerialPort::configure(const LineSettings &settings)
 {
     m_port.setPortName(QString::fromStdString(m_device));
     m_port.setBaudRate(settings.baudRate);
-    m_port.setParity(parityOf(settings.parity));
+    m_port.setParity(isPseudoTerminal(m_device) ? QSerialPort::NoParity
+                                                : parityOf(settings.parity));
     m_port.setStopBits(settings.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
 }
 
