@@ -72,7 +72,7 @@ public:
 
     bool readAll()
     {
-        const int before = loop->status().cycles();
+        const auto before = loop->status().cycles();
         return turnUntil([&] { return loop->status().cycles() > before; });
     }
 
@@ -243,7 +243,7 @@ TEST_F(LoopTest, ExceptionsAndDamageAreCountedAndCostNoStation)
     const struct {
         const char *fault;
         const char *refusal;
-        int StationCounters::*counter;
+        StationCounters::Count StationCounters::*counter;
     } rows[] = {
         {"1:flip", "never read: wrong CRC", &StationCounters::badCrc},
         {"1:cut=4", "never read: wrong length: 4 of 7 bytes", &StationCounters::wrongLength},

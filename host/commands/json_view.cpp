@@ -42,19 +42,19 @@ QJsonObject stationObject(const LinkRow &link, const StationStatus &status)
     const StationCounters &counters = status.counters;
     QJsonObject exceptions;
     for (const auto &[code, count] : counters.exceptions)
-        exceptions[QString::number(code)] = count;
+        exceptions[QString::number(code)] = qint64{count};
     return {{"link", text(link.name)},
             {"station", status.station},
             {"on", status.isOn},
-            {"sent", counters.sent},
-            {"good", counters.good},
-            {"noReply", counters.noReply},
-            {"badCrc", counters.badCrc},
-            {"wrongLength", counters.wrongLength},
-            {"collisions", counters.collisions},
+            {"sent", qint64{counters.sent}},
+            {"good", qint64{counters.good}},
+            {"noReply", qint64{counters.noReply}},
+            {"badCrc", qint64{counters.badCrc}},
+            {"wrongLength", qint64{counters.wrongLength}},
+            {"collisions", qint64{counters.collisions}},
             {"exceptions", exceptions},
-            {"retries", counters.retries},
-            {"givenUp", counters.givenUp},
+            {"retries", qint64{counters.retries}},
+            {"givenUp", qint64{counters.givenUp}},
             {"meanResponseMs", static_cast<double>(counters.meanResponse().count()) / 1000},
             {"worstResponseMs", static_cast<double>(counters.worstResponse.count()) / 1000}};
 }

@@ -7,6 +7,7 @@
 LineOptions::LineOptions(CLI::App &options)
 {
     LineSettings &line = m_link.line;
+    m_link.retries = 1; // a script does not want to wait long for a station that is not there
     options.add_option("device", m_device, "serial device")->required();
     options.add_option("-a,--station", m_station, "slave address")
         ->check(numberFrom(1, 247))

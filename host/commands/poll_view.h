@@ -17,7 +17,7 @@ struct LinkRow {
     std::string name;
     std::string port; ///< the device, or why there is none
     bool isOpen;
-    int cycles;
+    std::int64_t cycles;
     std::vector<StationStatus> stations;
 };
 

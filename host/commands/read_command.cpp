@@ -47,7 +47,7 @@ int ReadCommand::print(const CommunicationLoop &loop, const Variable &variable) 
     const ValueState state = loop.status().stateOf(variable);
     if (state.freshness != Freshness::GOOD) {
         const std::string reason =
-            state.refusal.text.empty() ? "it was not read" : state.refusal.text;
+            state.refusal.text.empty() ? nameOf(state.freshness) : state.refusal.text;
         std::fprintf(stderr, "panelhost: station %d, %s: %s\n", variable.station,
                      placeOf(variable).c_str(), reason.c_str());
         return std::max<int>(exitStatusOf(state.refusal.kind), EXIT_SILENT);

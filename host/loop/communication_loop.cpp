@@ -73,12 +73,14 @@ void CommunicationLoop::load(const Link &link, const std::vector<PlannedRequest>
 
 void CommunicationLoop::apply(const Link &link)
 {
-    const bool isOtherLine = m_line && !(link.line == m_link.line);
+    const bool isOtherLine = !(link.line == m_link.line);
     m_link = link;
     m_info.maxRegs = link.maxRegs;
     m_info.retryLimit = link.retries;
     m_status.setStaleAfter(milliseconds(link.staleAfter));
     if (isOtherLine)
+        m_adapter = AdapterIdentity();
+    if (isOtherLine && m_line)
         losePort("it is opened anew with other settings");
 }
 

@@ -117,7 +117,7 @@ std::string LinkStatus::portText() const
     return m_portText;
 }
 
-int LinkStatus::cycles() const
+std::int64_t LinkStatus::cycles() const
 {
     const Lock lock(m_mutex);
     return m_cycles;

@@ -52,7 +52,7 @@ public:
     std::string portText() const;
     /// Passes of the cyclic list: every request to a station that is not off was answered or given
     /// up.
-    int cycles() const;
+    std::int64_t cycles() const;
 
 private:
     mutable std::mutex m_mutex; // guards all below
@@ -62,5 +62,5 @@ private:
     std::map<int, StationStatus> m_stations; // timeOff without the present one
     std::map<int, Clock::time_point> m_offSince;
     RegisterStates m_registers;
-    int m_cycles = 0;
+    std::int64_t m_cycles = 0;
 };

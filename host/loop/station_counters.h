@@ -3,18 +3,21 @@
 
 #include "host/loop/verdict.h"
 
+#include <cstdint>
 #include <map>
 
 struct StationCounters {
-    int sent = 0; ///< frames
-    int good = 0;
-    int noReply = 0;
-    int badCrc = 0;
-    int wrongLength = 0;
-    int collisions = 0;
-    std::map<int, int> exceptions; ///< by code
-    int retries = 0;
-    int givenUp = 0;
+    using Count = std::int64_t; // a panel runs for years
+
+    Count sent = 0; ///< frames
+    Count good = 0;
+    Count noReply = 0;
+    Count badCrc = 0;
+    Count wrongLength = 0;
+    Count collisions = 0;
+    std::map<int, Count> exceptions; ///< by code
+    Count retries = 0;
+    Count givenUp = 0;
     microseconds meanResponse() const;
     microseconds worstResponse = {};
 
@@ -23,5 +26,5 @@ struct StationCounters {
 
 private:
     microseconds m_responses = {};
-    int m_answers = 0;
+    Count m_answers = 0;
 };

@@ -13,14 +13,15 @@ WriteDesk::WriteDesk(const DriverLibrary &driver, EventSink &sink, const std::st
 bool WriteDesk::offer(const Variable &variable, const std::string &text, int maxRegs, int offers,
                       const std::string &obstacle)
 {
-    Pending write{variable, text, QByteArray(), offers};
+    Pending write{variable, text, QByteArray(), 0, offers};
     try {
         if (!variable.isWritten())
             throw std::invalid_argument("it is read only");
         write.value = valueOf(variable, text);
+        write.pieces = static_cast<int>(targetsOf(variable, maxRegs).size());
         if (!obstacle.empty())
             throw std::invalid_argument(obstacle);
-        if (!hasRoom(variable, maxRegs))
+        if (!queue(numberOf(variable.name), write))
             throw std::invalid_argument("the write queue is full; try again later");
     } catch (const std::invalid_argument &error) {
         tell(write, WRITE_REFUSED, error.what());
@@ -31,15 +32,13 @@ bool WriteDesk::offer(const Variable &variable, const std::string &text, int max
     if (older != m_pending.end())
         tell(older->second, WRITE_SUPERSEDED, "by " + text);
     m_pending[number] = write;
-    queue(number, write);
     return true;
 }
 
 // The driver drops what does not fit without a word, piece by piece.
-bool WriteDesk::hasRoom(const Variable &variable, int maxRegs) const
+bool WriteDesk::hasRoom(int pieces) const
 {
-    const int queued = m_driver.AddListWriteVar(nullptr, QUEUE_CHECKED);
-    return queued + static_cast<int>(targetsOf(variable, maxRegs).size()) <= LIMIT_QUEUE_ENTRIES;
+    return m_driver.AddListWriteVar(nullptr, QUEUE_CHECKED) + pieces <= LIMIT_QUEUE_ENTRIES;
 }
 
 std::vector<EndedWrite> WriteDesk::settle(const std::vector<RequestReport> &reports,
@@ -51,10 +50,11 @@ std::vector<EndedWrite> WriteDesk::settle(const std::vector<RequestReport> &repo
         if (place == m_pending.end())
             continue; // a probe
         Pending &write = place->second;
-        if (report.status == REQUEST_GIVEN_UP && mayRepeat && write.offersLeft > 0) {
+        const bool isOffered = report.status == REQUEST_GIVEN_UP && mayRepeat
+                               && write.offersLeft > 0 && queue(report.ownerTag, write);
+        if (isOffered) {
             --write.offersLeft;
             tell(write, WRITE_OFFERED_AGAIN, verdict.text);
-            queue(report.ownerTag, write);
             continue;
         }
         const bool isDone = report.status == REQUEST_DONE;
@@ -76,12 +76,14 @@ bool WriteDesk::hasPending(int station) const
 }
 
 // The identity is the variable: all pieces of a write carry it, and the last one reports for all.
-void WriteDesk::queue(int number, const Pending &write)
+bool WriteDesk::queue(int number, const Pending &write)
 {
     const Variable &variable = write.variable;
-    m_driver.SetRegisterData(QString::fromStdString(variable.name), variable.kind,
-                             QString::fromStdString(variable.address), variable.station,
-                             &write.value, lengthOf(variable), 0, number);
+    return hasRoom(write.pieces)
+           && m_driver.SetRegisterData(QString::fromStdString(variable.name), variable.kind,
+                                       QString::fromStdString(variable.address), variable.station,
+                                       &write.value, lengthOf(variable), 0, number)
+                  > 0;
 }
 
 int WriteDesk::numberOf(const std::string &name)

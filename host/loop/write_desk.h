@@ -42,11 +42,12 @@ private:
         Variable variable;
         std::string text;
         QByteArray value;
+        int pieces; // records in the driver's queue
         int offersLeft;
     };
 
-    bool hasRoom(const Variable &variable, int maxRegs) const;
-    void queue(int number, const Pending &write);
+    bool hasRoom(int pieces) const;
+    bool queue(int number, const Pending &write);
     int numberOf(const std::string &name);
     void tell(const Pending &write, const char *state, const std::string &detail,
               Verdict::Kind cause = Verdict::GOOD);
