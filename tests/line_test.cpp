@@ -12,8 +12,13 @@
 
 #include <gtest/gtest.h>
 
+#include <pty.h>
+#include <unistd.h>
+
+#include <array>
 #include <atomic>
 #include <random>
+#include <thread>
 
 namespace
 {
@@ -137,9 +142,42 @@ TEST(Line, WhatIsNoAnswerIsDropped)
 {
     for (const char *fault : {"1:junk=3", "1:junk=40", "1:foreign"}) {
         LineUnderTest test;
+        test.settings.replyTimeout = 30; // less than the time that separates bytes
         test.plc.setFault(1, parseFault(fault).fault);
         EXPECT_EQ(test.read12(), ANSWER_12) << fault;
     }
+}
+
+// A transmitter that is stuck, behind what looks like a long answer.
+TEST(Line, ALineThatNeverFallsSilent)
+{
+    int master = -1;
+    int slave = -1;
+    termios raw = {};
+    ::cfmakeraw(&raw);
+    ASSERT_EQ(::openpty(&master, &slave, nullptr, &raw, nullptr), 0);
+    LineSettings settings;
+    settings.devices = {::ttyname(slave)};
+    settings.baudRate = 115200;
+    settings.replyTimeout = 100;
+    settings.byteTimeout = 20;
+    const LineTaps taps;
+    SerialLine line(settings, taps);
+    std::atomic<bool> stop{false};
+    std::thread transmitter([&] {
+        std::array<char, 8> request;
+        ssize_t count = ::read(master, request.data(), request.size());
+        count += ::write(master, "\x01\x03\xFF", 3);
+        for (; !stop && count > 0; QThread::msleep(5))
+            count = ::write(master, "\x55", 1);
+    });
+    const Clock::time_point start = Clock::now();
+    EXPECT_EQ(line.exchange(frame("01 03 00 00 00 01"), 7).reply.size(), 7);
+    EXPECT_LT(millisecondsSince(start), milliseconds(1500));
+    stop = true;
+    transmitter.join();
+    ::close(slave);
+    ::close(master);
 }
 
 TEST(Line, AnswerFilter)
@@ -170,6 +208,13 @@ TEST(Line, AnswerFilter)
         {"01 | ", "01", "", false},
         {"", "", "", false},
     };
+    // To a write of register 1: that of register 0 was acknowledged late.
+    AnswerFilter ofWrite(frame("01 10 00 01 00 01 02 00 07"), 8);
+    ofWrite.add(frame("01 10 00 00 00 01"));
+    EXPECT_FALSE(ofWrite.hasBegun());
+    ofWrite.add(frame("01 10 00 01 00 01") + QByteArray("x"));
+    EXPECT_EQ(ofWrite.answer(), frame("01 10 00 01 00 01"));
+    EXPECT_EQ(ofWrite.takeRest(), "x");
     for (const auto &row : rows) {
         AnswerFilter filter(frame("01 03 00 00 00 01"), 7);
         const QByteArray text = row.arrived;

@@ -76,6 +76,8 @@ public:
         return turnUntil([&] { return loop->status().cycles() > before; });
     }
 
+    void reload() { loop->load(link, RequestPlanner(DRIVER_LIBRARY).plan(link)); }
+
     void fault(const char *text)
     {
         const StationFault parsed = parseFault(text);
@@ -468,6 +470,119 @@ TEST_F(LoopTest, ReloadKeepsQueuedWritesAndValues)
     EXPECT_EQ(value("word"), "good 5");
 }
 
+TEST_F(LoopTest, ReloadGivesANameAnotherPlace)
+{
+    add("first", "7:50", 1, Access::WRITE);
+    add("x", "7:100", 1, Access::WRITE);
+    start();
+    EXPECT_TRUE(write("first", "1") && write("x", "5"));
+    link.variables.back().address = "110";
+    link.variables.back().station = 2;
+    reload();
+    EXPECT_TRUE(write("x", "6"));
+    EXPECT_TRUE(writeAll());
+    EXPECT_EQ(taken(Event::WRITE), "first=1 done\nx=5 done\nx=6 done\n");
+    EXPECT_EQ(plc->holdingRegisters(1).at(100), 5);
+    EXPECT_EQ(plc->holdingRegisters(2).at(110), 6);
+}
+
+TEST_F(LoopTest, ReloadGivesAPlaceAnotherName)
+{
+    add("first", "7:50", 1, Access::WRITE);
+    add("x", "7:100", 1, Access::WRITE);
+    start();
+    EXPECT_TRUE(write("first", "1") && write("x", "5"));
+    link.variables.back().name = "y";
+    reload();
+    EXPECT_TRUE(write("y", "6"));
+    EXPECT_TRUE(writeAll());
+    EXPECT_EQ(taken(Event::WRITE), "x=5 superseded\nfirst=1 done\ny=6 done\n");
+    EXPECT_EQ(plc->holdingRegisters(1).at(100), 6);
+}
+
+TEST_F(LoopTest, ReloadRemovesAStationThatIsBeingAsked)
+{
+    add("a", "6:0", 1);
+    add("r", "7:100", 2);
+    start();
+    fault("2:silent");
+    ASSERT_TRUE(turnUntil([this] { return requestsTo(2) == 1; }));
+    link.variables.pop_back();
+    reload();
+    turnFor(300);
+    EXPECT_EQ(requestsTo(2), 1);
+    EXPECT_EQ(taken(Event::STATION), "");
+    EXPECT_TRUE(loop->status().isOn(2));
+}
+
+// The probe has begun, and its turn has not come: the port goes, or the variable is not read any more.
+TEST_F(LoopTest, AProbeThatIsCutOff)
+{
+    for (const bool isReload : {false, true}) {
+        SCOPED_TRACE(isReload);
+        link.variables.clear();
+        for (int i = 0; i < 8; ++i)
+            add(std::to_string(i).c_str(), ("7:" + std::to_string(150 * i)).c_str(), 1,
+                Access::READ_WRITE);
+        add("two", "7:100", 2, isReload ? Access::READ_WRITE : Access::WRITE);
+        start();
+        fault("2:silent");
+        EXPECT_TRUE(write("two", "1"));
+        const int before = requestsTo(2);
+        ASSERT_TRUE(turnUntil([&] { return requestsTo(2) == before + 3; }));
+        QThread::msleep(600); // the next probe is due
+        for (int i = 0; i < 8; ++i)
+            EXPECT_TRUE(write(std::to_string(i).c_str(), "1"));
+        loop->turn();
+        link.variables.back().access = Access::WRITE;
+        if (isReload) {
+            reload();
+        } else {
+            loop->close("test");
+            loop->open();
+        }
+        fault("2:none");
+        EXPECT_TRUE(turnUntil([this] { return loop->status().isOn(2); }));
+        taken(Event::WRITE);
+        EXPECT_TRUE(write("two", "3"));
+    }
+}
+
+TEST_F(LoopTest, AValueThatIsBeingWrittenIsNotCalledGood)
+{
+    add("w", "7:100", 2, Access::READ_WRITE);
+    start();
+    ASSERT_TRUE(readAll());
+    fault("2:silent");
+    EXPECT_TRUE(write("w", "4711"));
+    loop->turn(); // the first of two tries
+    EXPECT_EQ(value("w"), "stale 4711: a write is under way");
+    EXPECT_TRUE(writeAll());
+    EXPECT_EQ(value("w"), "station off 4711: a write failed, and it was not read since");
+}
+
+TEST_F(LoopTest, AWriteThatDoesNotFitAnyMoreIsNotOfferedAgain)
+{
+    add("wide", "7:100:u16:100", 1, Access::WRITE); // 50 pieces
+    add("bits", "1:2000.0:bit:975", 2, Access::WRITE);
+    link.offerAgain = 1;
+    link.maxRegs = 2;
+    link.retries = 0;
+    start();
+    std::string sevens = "7";
+    std::string zeros = "0";
+    for (int i = 1; i < 100; ++i)
+        sevens += " 7";
+    for (int i = 1; i < 975; ++i)
+        zeros += " 0";
+    EXPECT_TRUE(write("wide", sevens));
+    ASSERT_TRUE(turnUntil([this] { return plc->holdingRegisters(1).at(101) == 7; }));
+    EXPECT_TRUE(write("bits", zeros)); // the queue is full
+    fault("1:exception=4");
+    loop->turn();
+    EXPECT_EQ(taken(Event::WRITE), "wide=" + sevens + " failed\n");
+}
+
 TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
 {
     const QTemporaryDir folder;
@@ -508,7 +623,8 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
         QThread::msleep(100);
         EXPECT_EQ(value("value"), "good 38536");
         const std::string events = taken(Event::PORT);
-        EXPECT_NE(events.find(" lost\n" + plc->device().toStdString() + " open\n"),
+        EXPECT_NE(events.find(" lost\n" + name.toStdString() + " not there\n"
+                              + plc->device().toStdString() + " open\n"),
                   std::string::npos)
             << events;
     }

@@ -183,7 +183,8 @@ class PanelhostTest(unittest.TestCase):
         with Simulator("--station", "1") as plc:
             quick = (plc.device, "-o", "0.05")
             rows = [
-                (0, "7:0 = 23205", "read", *quick, "7:0"),
+                (0, "7:2 = 38059", "read", *quick, "7:2"),
+                (0, "registers 0 to 1 on the line: B\\x5CC", "write", *quick, "-r", "1", "-t", "4:text", "B\\x5CC"),
                 (1, "cannot load the driver", "read", *quick, "7:0", "--library", "/none.so"),
                 (1, "capture file", "read", *quick, "7:0", "--pcap", "/none/x"),
                 (2, "subcommand is required", "--hlep"),
@@ -202,6 +203,7 @@ class PanelhostTest(unittest.TestCase):
                 (4, "does not switch the RS-485 direction", "read", *quick, "-F", "7:0"),
                 (5, "station 2, holding word 0: no answer", "read", *quick, "-a", "2", "7:0"),
                 (5, "7:0 = 1: failed: no answer", "write", *quick, "-a", "2", "7:0=1"),
+                (5, "7:1 = 2: refused: station 2 is off", "write", *quick, "-a", "2", "7:0=1", "7:1=2"),
                 (5, "no echo", "read", *quick, "-a", "2", "--echo", "7:0"),
                 (6, "exception 2 (illegal data address)", "read", *quick, "7:0", "7:9000"),
                 (6, "exception 2 (illegal data address)", "write", *quick, "7:9000=1"),
@@ -224,7 +226,7 @@ class PanelhostTest(unittest.TestCase):
         self.assertIn(["2", "4", "0..0", "1", "1", "0", "15", "17.2"], rows)
         self.assertIn("2 requests; a cycle takes 187.9 ms at 9600 baud", result.stdout)
         self.assertIn("station 1, registers 11 to 69 are read for nothing: 118 bytes, 135.2 ms", result.stdout)
-        self.assertIn("set maxRegs below 60", result.stdout)
+        self.assertIn("maxRegs = 58 splits it here", result.stdout)
         split = self.file(content.replace("baud", "maxRegs = 58\nbaud"))
         self.assert_ends(run("plan", split), 0, "3 requests")
 

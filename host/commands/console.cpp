@@ -30,7 +30,9 @@ std::string trimmed(const std::string &text)
 } // namespace
 
 // Without a standard input the next file that is opened gets its number.
-Console::Console() : m_isInputOpen(::fcntl(STDIN_FILENO, F_GETFD) >= 0)
+Console::Console()
+    : m_isInputOpen(::fcntl(STDIN_FILENO, F_GETFD) >= 0),
+      m_isTerminal(::isatty(STDIN_FILENO) != 0)
 {
     sigset_t signals;
     sigemptyset(&signals);
@@ -66,10 +68,15 @@ void Console::readSignals(Input &input) const
 {
     signalfd_siginfo signal = {};
     while (::read(m_signals, &signal, sizeof signal) == sizeof signal) {
-        if (signal.ssi_signo == SIGHUP)
+        if (signal.ssi_signo == SIGHUP) {
             input.isReload = true;
-        else
-            input.isEnd = true;
+            continue;
+        }
+        input.isEnd = true;
+        sigset_t same;
+        sigemptyset(&same);
+        sigaddset(&same, static_cast<int>(signal.ssi_signo));
+        pthread_sigmask(SIG_UNBLOCK, &same, nullptr);
     }
 }
 
@@ -79,6 +86,7 @@ void Console::readLines(Input &input)
     const ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
     if (count <= 0) {
         m_isInputOpen = count < 0 && (errno == EINTR || errno == EAGAIN);
+        input.isEnd = input.isEnd || (!m_isInputOpen && m_isTerminal);
         if (m_isInputOpen || m_rest.empty())
             return;
         m_rest += '\n';

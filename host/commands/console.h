@@ -8,7 +8,7 @@ class Console
 {
 public:
     struct Input {
-        bool isEnd = false;    ///< SIGINT or SIGTERM
+        bool isEnd = false;    ///< SIGINT or SIGTERM, or the terminal went
         bool isReload = false; ///< SIGHUP
         std::vector<std::string> lines;
     };
@@ -21,7 +21,8 @@ public:
     Console &operator=(const Console &) = delete;
 
     /// What comes within `milliseconds`; lines without blanks around them, none empty. The end of
-    /// standard input ends nothing.
+    /// standard input ends nothing, unless that is a terminal. After the first SIGINT or SIGTERM a
+    /// second one ends the program at once.
     Input wait(int milliseconds);
 
 private:
@@ -29,6 +30,7 @@ private:
     void readLines(Input &input);
 
     bool m_isInputOpen;
+    bool m_isTerminal;
     int m_signals;
     std::string m_rest; // of a line whose end has not come yet
 };

@@ -70,13 +70,18 @@ std::string sentenceOn(const StationStatus &status)
 
 } // namespace
 
-std::vector<std::string> tablesOf(const Snapshot &snapshot)
+std::vector<std::string> valueTable(const Snapshot &snapshot)
 {
     TextTable values({"name", "station", "address", "value", "state", "age"});
     for (const ValueRow &row : snapshot.values)
         values.add({row.variable.name, std::to_string(row.variable.station), placeOf(row.variable),
                     row.text, stateText(row.state), ageText(row.state)});
-    std::vector<std::string> lines = values.lines();
+    return values.lines();
+}
+
+std::vector<std::string> linkTables(const Snapshot &snapshot)
+{
+    std::vector<std::string> lines;
     for (const LinkRow &link : snapshot.links) {
         lines.push_back("");
         lines.push_back("Link " + link.name + (link.isOpen ? " on " : " without its port: ")
@@ -89,7 +94,9 @@ std::vector<std::string> tablesOf(const Snapshot &snapshot)
 
 std::vector<std::string> summaryOf(const Snapshot &snapshot)
 {
-    std::vector<std::string> lines = tablesOf(snapshot);
+    std::vector<std::string> lines = valueTable(snapshot);
+    const std::vector<std::string> links = linkTables(snapshot);
+    lines.insert(lines.end(), links.begin(), links.end());
     const auto good =
         std::count_if(snapshot.values.begin(), snapshot.values.end(),
                       [](const ValueRow &row) { return row.state.freshness == Freshness::GOOD; });

@@ -1,6 +1,7 @@
 #include "host/commands/live_table.h"
 
 #include "host/commands/lines_view.h"
+#include "host/commands/tables.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -48,11 +49,6 @@ LiveTable::~LiveTable()
     std::fflush(stdout);
 }
 
-void LiveTable::show(const Snapshot &snapshot)
-{
-    draw(linesOf(snapshot));
-}
-
 void LiveTable::tell(const Event &event)
 {
     note(textOf(event));
@@ -76,30 +72,35 @@ void LiveTable::finish(const Snapshot &snapshot)
         std::printf("%s\n", line.c_str());
 }
 
-std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot) const
+// Where the terminal is too low for everything, values are left out first.
+std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot, size_t rows) const
 {
-    std::vector<std::string> lines = tablesOf(snapshot);
-    lines.push_back("");
+    std::vector<std::string> tail = linkTables(snapshot);
     const size_t skipped = m_news.size() - std::min(m_news.size(), NEWS_SHOWN);
-    lines.insert(lines.end(), m_news.begin() + static_cast<std::ptrdiff_t>(skipped), m_news.end());
+    tail.push_back("");
+    tail.insert(tail.end(), m_news.begin() + static_cast<std::ptrdiff_t>(skipped), m_news.end());
+    std::vector<std::string> lines = valueTable(snapshot);
+    const size_t room = rows > tail.size() + 3 ? rows - tail.size() : 3;
+    if (lines.size() > room) {
+        const size_t hidden = lines.size() - room + 1;
+        lines.resize(room - 1);
+        lines.push_back("... " + std::to_string(hidden) + " more values");
+    }
+    lines.insert(lines.end(), tail.begin(), tail.end());
+    lines.resize(std::min(lines.size(), rows));
     return lines;
 }
 
 // What the user types stays where it is: the cursor goes back to it after each drawing.
-void LiveTable::draw(const std::vector<std::string> &lines)
+void LiveTable::show(const Snapshot &snapshot)
 {
     const TerminalSize size = terminalSize();
-    const size_t shown = std::min(lines.size(), size.rows - 2);
+    const std::vector<std::string> lines = linesOf(snapshot, size.rows - 2);
     std::fputs(SAVE_CURSOR, stdout);
     std::fputs(HOME, stdout);
-    for (size_t i = 0; i < shown; ++i) {
-        const bool isCut = i + 1 == shown && shown < lines.size();
-        const std::string line = isCut ? "... " + std::to_string(lines.size() - i)
-                                             + " more lines; make the terminal higher"
-                                       : lines[i];
-        std::printf("%s%s\n", line.substr(0, size.columns - 1).c_str(), CLEAR_REST_OF_LINE);
-    }
-    const int promptRow = static_cast<int>(shown) + 1;
+    for (const std::string &line : lines)
+        std::printf("%s%s\n", leftOf(line, size.columns - 1).c_str(), CLEAR_REST_OF_LINE);
+    const int promptRow = static_cast<int>(lines.size()) + 1;
     if (promptRow != m_promptRow)
         std::printf("\x1b[J\x1b[%d;1HNAME=VALUE to write, Ctrl-C to end: \x1b[s", promptRow);
     m_promptRow = promptRow;

@@ -18,8 +18,7 @@ public:
     void finish(const Snapshot &snapshot) override;
 
 private:
-    std::vector<std::string> linesOf(const Snapshot &snapshot) const;
-    void draw(const std::vector<std::string> &lines);
+    std::vector<std::string> linesOf(const Snapshot &snapshot, size_t rows) const;
 
     std::deque<std::string> m_news; // the latest
     int m_promptRow = 0;

@@ -36,7 +36,7 @@ std::vector<PlannedRequest> planOf(const std::string &library, const Link &link)
 
 } // namespace
 
-OneShotOptions::OneShotOptions(CLI::App &options)
+OneShotOptions::OneShotOptions(CLI::App &options) : m_options(options)
 {
     options
         .add_option("-t,--type", m_type,
@@ -47,7 +47,13 @@ OneShotOptions::OneShotOptions(CLI::App &options)
         ->check(numberFrom(0, 65536))
         ->capture_default_str();
     options.add_flag("-0", m_isFromZero, "-r counts from 0, as the line does");
+    options.add_flag("-1", "once: the default, taken for mbpoll's sake");
     options.add_flag("-B", m_isBigEndian, "the first register of a 32-bit number is its high half");
+}
+
+bool OneShotOptions::isByReference() const
+{
+    return m_options.count("-t") > 0 || m_options.count("-r") > 0 || m_options.count("-0") > 0;
 }
 
 Variable OneShotOptions::byReference(int station, int count, Access access) const
@@ -93,7 +99,7 @@ int OneShotLoop::write(const Variable &variable, const std::string &text)
         return EXIT_GOOD;
     std::fprintf(stderr, "panelhost: %s = %s: %s: %s\n", variable.name.c_str(), text.c_str(),
                  m_lastWrite.state.c_str(), m_lastWrite.detail.c_str());
-    return m_lastWrite.state == WRITE_REFUSED ? EXIT_REFUSED : exitStatusOf(m_lastWrite.cause);
+    return exitStatusOf(m_lastWrite);
 }
 
 // Ends by itself: each request is given up after its tries at the latest.
@@ -118,5 +124,15 @@ int exitStatusOf(Verdict::Kind kind)
 {
     if (kind == Verdict::GOOD)
         return EXIT_GOOD;
+    if (kind == Verdict::PORT_GONE)
+        return EXIT_PORT;
     return kind == Verdict::EXCEPTION ? EXIT_REFUSED : EXIT_SILENT;
+}
+
+int exitStatusOf(const Event &write)
+{
+    if (write.state == WRITE_REFUSED && write.cause == Verdict::GOOD)
+        return EXIT_REFUSED;
+    const bool isBad = write.state == WRITE_REFUSED || write.state == WRITE_FAILED;
+    return isBad ? exitStatusOf(write.cause) : EXIT_GOOD;
 }

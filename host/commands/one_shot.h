@@ -14,10 +14,14 @@ public:
     /// The one that -t, -r and -c describe. Throws std::invalid_argument.
     Variable byReference(int station, int count, Access access) const;
 
+    /// One of them was given.
+    bool isByReference() const;
+
     /// As -r counts: the register's number on the line and the first reference's difference.
     int reference() const { return m_reference; }
 
 private:
+    CLI::App &m_options;
     std::string m_type = "4";
     int m_reference = 1;
     bool m_isFromZero = false;
@@ -54,3 +58,6 @@ private:
 
 /// What the program's exit status says of a failure. EXIT_GOOD for GOOD.
 int exitStatusOf(Verdict::Kind kind);
+
+/// Of the news of a write.
+int exitStatusOf(const Event &write);

@@ -9,7 +9,6 @@ namespace
 {
 
 const int REQUEST_BYTES = 8;
-const int REPLY_OVERHEAD_BYTES = 5;
 const int BYTES_PER_REGISTER = 2;
 
 std::vector<bool> wantedRegisters(const RW_VAR &request, const Link &link)
@@ -44,14 +43,17 @@ std::string hint(const PlannedRequest &request, const Gap &gap, const Link &link
 {
     const int offset = wireOffset(request.var.varKind);
     const int bytes = gap.count * BYTES_PER_REGISTER;
+    // What begins within maxRegs of the first register is read along.
+    const int behindGap = gap.first + gap.count - request.var.addr;
+    const int splitting = (behindGap - 1) / 2 * 2; // even, as a link that writes wants it
     return "Hint: station " + std::to_string(request.var.station) + ", registers "
            + std::to_string(gap.first + offset) + " to "
            + std::to_string(gap.first + gap.count - 1 + offset) + " are read for nothing: "
            + std::to_string(bytes) + " bytes, " + thousandths(wireTime(link.line, bytes).count())
            + " ms. A request of its own behind them would cost "
-           + thousandths(overheadTime(link.line).count()) + " ms: set maxRegs below "
-           + std::to_string(gap.first + gap.count - request.var.addr)
-           + ", or move the variables together.";
+           + thousandths(overheadTime(link.line).count())
+           + " ms: maxRegs = " + std::to_string(splitting)
+           + " splits it here, or move the variables together. Then look at the plan again.";
 }
 
 } // namespace
@@ -72,7 +74,7 @@ RequestCost costOf(const PlannedRequest &request, const Link &link)
 
 microseconds overheadTime(const LineSettings &line)
 {
-    return wireTime(line, REQUEST_BYTES + REPLY_OVERHEAD_BYTES) + 2 * silenceTime(line);
+    return wireTime(line, REQUEST_BYTES + READ_OVERHEAD_BYTES) + 2 * silenceTime(line);
 }
 
 std::vector<std::string> planReport(const Link &link, const std::vector<PlannedRequest> &plan)

@@ -153,10 +153,8 @@ void PollCommand::passEvents(PollSession &session, PollView &view)
 {
     for (const Event &event : session.takeEvents()) {
         view.tell(event);
-        if (event.state == WRITE_REFUSED)
-            noteStatus(EXIT_REFUSED);
-        if (event.state == WRITE_FAILED)
-            noteStatus(exitStatusOf(event.cause));
+        if (event.kind == Event::WRITE)
+            noteStatus(exitStatusOf(event));
     }
 }
 

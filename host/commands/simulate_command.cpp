@@ -4,6 +4,7 @@
 #include "host/commands/exit_status.h"
 #include "host/commands/numbers.h"
 #include "host/plc/simulated_plc.h"
+#include "host/text/joined.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -226,10 +227,10 @@ private:
 
 std::string listOf(const std::vector<int> &numbers)
 {
-    std::string list;
+    std::vector<std::string> texts;
     for (const int number : numbers)
-        list += (list.empty() ? "" : ", ") + std::to_string(number);
-    return list;
+        texts.push_back(std::to_string(number));
+    return joined(texts);
 }
 
 // The device's name comes first and alone, for programs that start this one.

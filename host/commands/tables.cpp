@@ -1,5 +1,7 @@
 #include "host/commands/tables.h"
 
+#include <QString>
+
 #include <algorithm>
 
 std::vector<std::string> TextTable::lines() const
@@ -7,16 +9,26 @@ std::vector<std::string> TextTable::lines() const
     std::vector<size_t> widths(m_rows.front().size());
     for (const Row &row : m_rows)
         for (size_t i = 0; i < widths.size(); ++i)
-            widths[i] = std::max(widths[i], row.at(i).size());
+            widths[i] = std::max(widths[i], widthOf(row.at(i)));
     std::vector<std::string> lines;
     for (const Row &row : m_rows) {
         std::string line;
         for (size_t i = 0; i < widths.size(); ++i)
-            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+            line += row[i] + std::string(widths[i] - widthOf(row[i]) + 2, ' ');
         line.erase(line.find_last_not_of(' ') + 1);
         lines.push_back(line);
     }
     return lines;
+}
+
+size_t widthOf(const std::string &text)
+{
+    return static_cast<size_t>(QString::fromStdString(text).size());
+}
+
+std::string leftOf(const std::string &text, size_t width)
+{
+    return QString::fromStdString(text).left(static_cast<int>(width)).toStdString();
 }
 
 // By hand: printf would write a comma in some countries.

@@ -21,5 +21,11 @@ private:
     std::vector<Row> m_rows;
 };
 
+/// Characters that a UTF-8 text takes on a terminal, near enough.
+size_t widthOf(const std::string &text);
+
+/// Its first characters.
+std::string leftOf(const std::string &text, size_t width);
+
 /// "12.3" for 12345 with one digit behind the point, "12.345" with three. Not negative.
 std::string thousandths(long long number, int digits = 1);

@@ -86,14 +86,14 @@ bool WriteCommand::areValues(const std::vector<Write> &todo)
 std::vector<WriteCommand::Write> WriteCommand::writes() const
 {
     std::vector<Write> writes;
-    if (std::none_of(m_values.begin(), m_values.end(), isNamed)) {
+    if (m_what.isByReference() || std::none_of(m_values.begin(), m_values.end(), isNamed)) {
         std::string text;
         for (const std::string &value : m_values)
             text += (text.empty() ? "" : " ") + value;
         Variable variable = m_what.byReference(m_line.station(), 1, Access::WRITE);
         const bool isText = variable.format.type == Format::TEXT;
-        const int count = static_cast<int>(isText ? text.size() : m_values.size());
-        variable = m_what.byReference(m_line.station(), count, Access::WRITE);
+        const size_t count = isText ? charactersIn(text) : m_values.size();
+        variable = m_what.byReference(m_line.station(), static_cast<int>(count), Access::WRITE);
         variable.name = placeOf(variable);
         return {{variable, text}};
     }

@@ -3,13 +3,6 @@
 #include "host/line/crc16.h"
 #include "host/line/replies.h"
 
-namespace
-{
-
-const int EXCEPTION_BYTES = 5;
-
-} // namespace
-
 AnswerFilter::AnswerFilter(const QByteArray &request, int replyLength)
     : m_request(request),
       m_replyLength(replyLength)
@@ -39,12 +32,12 @@ bool AnswerFilter::isComplete() const
 {
     if (!hasBegun())
         return false;
+    if (isException())
+        return true;
     // A longer frame of this station and function may be a late answer to another request: its end
     // has to be seen.
-    return isException()
-           || (m_bytes.size() >= m_replyLength
-               && (frameLength(m_bytes) <= m_replyLength
-                   || endsInItsCrc(m_bytes.left(m_replyLength))));
+    return m_bytes.size() >= m_replyLength
+           && (m_bytes.size() >= frameLength(m_bytes) || endsInItsCrc(m_bytes.left(m_replyLength)));
 }
 
 QByteArray AnswerFilter::answer() const
@@ -52,6 +45,13 @@ QByteArray AnswerFilter::answer() const
     if (!hasBegun())
         return QByteArray();
     return m_bytes.left(isException() ? EXCEPTION_BYTES : m_replyLength);
+}
+
+QByteArray AnswerFilter::takeRest()
+{
+    const QByteArray rest = m_bytes.mid(answer().size());
+    m_bytes.clear();
+    return rest;
 }
 
 QByteArray AnswerFilter::takeDropped()
@@ -72,6 +72,14 @@ bool AnswerFilter::isException() const
     return isExceptionTo(m_request, m_bytes.left(EXCEPTION_BYTES));
 }
 
+// An acknowledged write names its registers; of a read only the length tells.
+bool AnswerFilter::fitsRequest(int length) const
+{
+    const int function16 = 16;
+    return length == m_replyLength
+           && (byteAt(m_request, 1) != function16 || m_bytes.mid(2, 4) == m_request.mid(2, 4));
+}
+
 // How many bytes at the front are certainly no part of the answer.
 int AnswerFilter::foreignBytes() const
 {
@@ -81,7 +89,7 @@ int AnswerFilter::foreignBytes() const
     const bool isFrame =
         length > 0 && m_bytes.size() >= length && endsInItsCrc(m_bytes.left(length));
     if (beginsLikeAnswer())
-        return isFrame && length != m_replyLength ? length : 0;
+        return isFrame && !fitsRequest(length) ? length : 0;
     if (isFrame)
         return length;
     return m_bytes.size() < length ? 0 : 1; // the rest of a frame may be on its way

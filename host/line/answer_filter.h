@@ -4,7 +4,7 @@
 #include <QByteArray>
 
 /// Drops what is no part of the answer: frames of other stations and functions, late answers of
-/// another length, noise. What the driver would judge a bad answer (a wrong checksum, a cut frame)
+/// another length or, to a write, of other registers, and noise. What the driver would judge a bad answer (a wrong checksum, a cut frame)
 /// is an answer here.
 class AnswerFilter
 {
@@ -30,9 +30,13 @@ public:
     /// What was dropped since the last call.
     QByteArray takeDropped();
 
+    /// What came behind the answer, or what there is when it has not begun. The last call.
+    QByteArray takeRest();
+
 private:
     bool beginsLikeAnswer() const;
     bool isException() const;
+    bool fitsRequest(int length) const;
     int foreignBytes() const;
     void drop(int count);
     void dropForeign();

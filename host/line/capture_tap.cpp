@@ -37,6 +37,12 @@ void CaptureTap::dropped(const std::string &, const QByteArray &bytes)
     write(bytes);
 }
 
+void CaptureTap::judged(const std::string &, const std::string &)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    pcap_dump_flush(m_file.get());
+}
+
 void CaptureTap::finish()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

@@ -19,7 +19,8 @@ public:
     void sent(const std::string &link, const QByteArray &frame) override;
     void received(const std::string &link, const QByteArray &reply) override;
     void dropped(const std::string &link, const QByteArray &bytes) override;
-    void judged(const std::string &, const std::string &) override {}
+    /// What there is goes to the disk.
+    void judged(const std::string &link, const std::string &verdict) override;
 
     /// Throws std::runtime_error when not everything could be written.
     void finish();

@@ -15,6 +15,12 @@ microseconds silenceTime(const LineSettings &settings)
     return microseconds(std::max<long long>(characters, settings.silenceFloor));
 }
 
+int byteTimeout(const LineSettings &settings)
+{
+    const auto twoCharacters = std::chrono::ceil<milliseconds>(wireTime(settings, 2)).count();
+    return std::max(settings.byteTimeout, static_cast<int>(twoCharacters));
+}
+
 int millisecondsUntil(Clock::time_point moment)
 {
     const auto left = std::chrono::ceil<milliseconds>(moment - Clock::now()).count();

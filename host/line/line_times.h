@@ -16,5 +16,8 @@ microseconds wireTime(const LineSettings &settings, int characters);
 /// settings' floor where that is more.
 microseconds silenceTime(const LineSettings &settings);
 
+/// Milliseconds after which no further byte of a frame is waited for: never less than two characters.
+int byteTimeout(const LineSettings &settings);
+
 /// Milliseconds from now, rounded up; 0 for a moment that has passed.
 int millisecondsUntil(Clock::time_point moment);

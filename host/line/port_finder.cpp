@@ -55,8 +55,10 @@ std::string findPort(const std::vector<std::string> &devices, const AdapterIdent
         if (!device.empty())
             return target(device);
     }
+    // An adapter with several ports has one number for all of them: then nobody can tell.
+    std::vector<std::string> found;
     for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts())
         if (isSame(identityOf(info), lastSeen))
-            return info.systemLocation().toStdString();
-    return std::string();
+            found.push_back(info.systemLocation().toStdString());
+    return found.size() == 1 ? found.front() : std::string();
 }

@@ -8,9 +8,7 @@ namespace
 {
 
 const int EXCEPTION_FLAG = 0x80;
-const int EXCEPTION_BYTES = 5;     // station, function, code, CRC
-const int READ_OVERHEAD_BYTES = 5; // station, function, byte count, CRC
-const int WRITE_BYTES = 8;         // station, function, address, value or count, CRC
+const int WRITE_BYTES = 8; // station, function, address, value or count, CRC
 
 } // namespace
 

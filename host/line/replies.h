@@ -5,6 +5,9 @@
 
 #include <string>
 
+const int EXCEPTION_BYTES = 5;     // station, function, code, CRC
+const int READ_OVERHEAD_BYTES = 5; // station, function, byte count, CRC
+
 /// 0 to 255.
 int byteAt(const QByteArray &bytes, int index);
 

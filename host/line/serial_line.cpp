@@ -9,6 +9,9 @@ namespace
 // A line that never falls silent is not waited for.
 const int MAX_DISCARDS = 100;
 
+const int LONGEST_FRAME = 256; // bytes
+const int MAX_BATCHES = 10;    // that a USB adapter makes of one
+
 } // namespace
 
 SerialLine::SerialLine(const LineSettings &settings, const LineTaps &taps,
@@ -24,6 +27,7 @@ Exchange SerialLine::exchange(const QByteArray &frame, int replyLength)
 {
     settle();
     send(frame);
+    m_wasHeard = false;
     AnswerFilter filter(frame, replyLength);
     Exchange exchange;
     if (m_settings.echo)
@@ -32,6 +36,8 @@ Exchange SerialLine::exchange(const QByteArray &frame, int replyLength)
         exchange = receive(filter);
     m_taps.dropped(filter.takeDropped());
     m_taps.received(exchange.reply);
+    m_taps.dropped(filter.takeRest());
+    exchange.isQuiet = !m_wasHeard;
     if (exchange.outcome != Exchange::ANSWERED)
         rest();
     return exchange;
@@ -74,6 +80,7 @@ Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, AnswerFilter &fi
         m_taps.dropped(echo);
         return Exchange::COLLISION;
     }
+    m_wasHeard = echo.size() > frame.size();
     filter.add(echo.mid(frame.size()));
     return Exchange::NOTHING;
 }
@@ -81,20 +88,14 @@ Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, AnswerFilter &fi
 Exchange SerialLine::receive(AnswerFilter &filter)
 {
     const Clock::time_point sent = m_lastByte;
-    await(filter, sent + milliseconds(m_settings.replyTimeout));
+    const Clock::time_point deadline = sent + milliseconds(m_settings.replyTimeout);
+    await(filter, deadline);
     Exchange exchange;
     if (!filter.hasBegun())
         return exchange;
     const auto delay = std::chrono::duration_cast<microseconds>(Clock::now() - sent);
     exchange.responseTime = std::max(delay, microseconds(0));
-    while (!filter.isComplete()) {
-        const QByteArray bytes = read(m_settings.byteTimeout);
-        if (bytes.isEmpty())
-            break;
-        filter.add(bytes);
-        if (!filter.hasBegun()) // it was a late answer of another length
-            await(filter, sent + milliseconds(m_settings.replyTimeout));
-    }
+    collect(filter, deadline);
     exchange.reply = filter.answer();
     exchange.outcome = exchange.reply.isEmpty() ? Exchange::NOTHING
                        : filter.isComplete()    ? Exchange::ANSWERED
@@ -105,18 +106,37 @@ Exchange SerialLine::receive(AnswerFilter &filter)
 // Until the answer's first byte.
 void SerialLine::await(AnswerFilter &filter, Clock::time_point deadline)
 {
+    const int pause = byteTimeout(m_settings);
     Clock::time_point lastByte = Clock::now();
     while (!filter.hasBegun()) {
         const int left = millisecondsUntil(deadline);
-        if (left == 0)
+        if (left == 0) {
+            filter.gap(); // behind what looked like another frame, the answer may have begun
             return;
-        const QByteArray bytes = read(std::min(left, m_settings.byteTimeout));
+        }
+        const QByteArray bytes = read(std::min(left, pause));
         if (!bytes.isEmpty()) {
             filter.add(bytes);
             lastByte = Clock::now();
-        } else if (Clock::now() - lastByte >= milliseconds(m_settings.byteTimeout)) {
+        } else if (Clock::now() - lastByte >= milliseconds(pause)) {
             filter.gap();
         }
+    }
+}
+
+// The rest of the answer. A line that never falls silent is not listened to for ever.
+void SerialLine::collect(AnswerFilter &filter, Clock::time_point deadline)
+{
+    const int pause = byteTimeout(m_settings);
+    const Clock::time_point end =
+        Clock::now() + wireTime(m_settings, LONGEST_FRAME) + MAX_BATCHES * milliseconds(pause);
+    while (!filter.isComplete() && Clock::now() < end) {
+        const QByteArray bytes = read(pause);
+        if (bytes.isEmpty())
+            return;
+        filter.add(bytes);
+        if (!filter.hasBegun()) // it was a late answer to another request
+            await(filter, deadline);
     }
 }
 
@@ -132,7 +152,9 @@ void SerialLine::rest()
 QByteArray SerialLine::read(int timeout)
 {
     QByteArray bytes = m_port.read(timeout);
-    if (!bytes.isEmpty())
-        m_lastByte = std::max(m_lastByte, Clock::now());
+    if (bytes.isEmpty())
+        return bytes;
+    m_lastByte = std::max(m_lastByte, Clock::now());
+    m_wasHeard = true;
     return bytes;
 }

@@ -17,6 +17,7 @@ struct Exchange {
     Outcome outcome = NOTHING;
     QByteArray reply;               ///< what the driver is to judge
     microseconds responseTime = {}; ///< from the request's last byte to the answer's first
+    bool isQuiet = true;            ///< no byte came at all
 };
 
 class SerialLine
@@ -40,6 +41,7 @@ private:
     Exchange::Outcome takeEcho(const QByteArray &frame, AnswerFilter &filter);
     Exchange receive(AnswerFilter &filter);
     void await(AnswerFilter &filter, Clock::time_point deadline);
+    void collect(AnswerFilter &filter, Clock::time_point deadline);
     void rest();
     QByteArray read(int timeout);
 
@@ -47,4 +49,5 @@ private:
     const LineTaps &m_taps;
     SerialPort m_port;
     Clock::time_point m_lastByte; // on the wire, in either direction
+    bool m_wasHeard = false;      // since the request was sent
 };

@@ -1,6 +1,7 @@
 #include "host/line/serial_port.h"
 
 #include "host/line/port_error.h"
+#include "host/text/joined.h"
 
 #include <linux/serial.h>
 #include <sys/ioctl.h>
@@ -13,7 +14,7 @@
 namespace
 {
 
-const int WRITE_TIMEOUT = 5000; // milliseconds: the largest frame at 300 baud takes less
+const int WRITE_TIMEOUT = 15000; // milliseconds: the largest frame takes 9.4 s at 300 baud
 
 QSerialPort::Parity parityOf(char letter)
 {
@@ -35,14 +36,6 @@ bool isPseudoTerminal(const std::string &device)
     struct stat status = {};
     return ::stat(device.c_str(), &status) == 0 && S_ISCHR(status.st_mode)
            && major(status.st_rdev) >= first && major(status.st_rdev) <= last;
-}
-
-std::string joined(const std::vector<std::string> &names)
-{
-    std::string text;
-    for (const std::string &name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
 }
 
 // Why a port cannot be opened, and what to do.

@@ -1,18 +1,12 @@
 #include "host/links/fields.h"
 
+#include "host/text/joined.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
-
-std::string listOf(const std::vector<std::string> &names)
-{
-    std::string text;
-    for (const std::string &name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
 
 std::string rangeText(int lowest, int highest)
 {
@@ -38,7 +32,7 @@ Fields::Fields(const std::string &path, const toml::table &table, const std::str
         if (std::find(known.begin(), known.end(), key.str()) == known.end())
             throw errorAt(path, key.source(),
                           "unknown key \"" + std::string(key.str()) + "\"; " + title
-                              + " takes: " + listOf(known));
+                              + " takes: " + joined(known));
 }
 
 std::optional<std::string> Fields::text(const std::string &key) const
@@ -95,7 +89,7 @@ size_t Fields::choice(const std::string &key, const std::vector<std::string> &ch
         return otherwise;
     const auto place = std::find(choices.begin(), choices.end(), *value);
     if (place == choices.end())
-        fail(key, "\"" + *value + "\" is none of: " + listOf(choices));
+        fail(key, "\"" + *value + "\" is none of: " + joined(choices));
     return static_cast<size_t>(place - choices.begin());
 }
 

@@ -1,6 +1,7 @@
 #include "host/loop/communication_loop.h"
 
 #include "host/line/port_error.h"
+#include "host/text/joined.h"
 
 #include <algorithm>
 
@@ -11,11 +12,6 @@ const int CYCLIC_OWNER_TAG = -1;
 const int PROBE_OWNER_TAG = -2;
 // Each turn of a lost port's clearing gives up a write, or a read between the bursts of writes.
 const int MAX_CLEARING_TURNS = 4 * LIMIT_QUEUE_ENTRIES;
-
-bool isGood(int resultCode)
-{
-    return resultCode == RESULT_GOOD || resultCode == RESULT_REMOTE_NOT_STORED;
-}
 
 std::string secondsText(Clock::duration duration)
 {
@@ -47,8 +43,16 @@ CommunicationLoop::CommunicationLoop(const std::string &library, const Link &lin
 
 void CommunicationLoop::open()
 {
-    m_line = std::make_unique<SerialLine>(m_link.line, m_taps, m_adapter);
+    try {
+        m_line = std::make_unique<SerialLine>(m_link.line, m_taps, m_adapter);
+    } catch (const PortError &error) {
+        if (m_status.portText() != error.what()) // once for each reason
+            tell(Event::PORT, joined(m_link.line.devices), PORT_MISSING, error.what());
+        m_status.setPort(false, error.what());
+        throw;
+    }
     m_adapter = identityOf(m_line->device());
+    restartProbes();
     m_status.setPort(true, m_line->device());
     tell(Event::PORT, m_line->device(), PORT_OPEN, "");
 }
@@ -56,14 +60,15 @@ void CommunicationLoop::open()
 void CommunicationLoop::load(const Link &link, const std::vector<PlannedRequest> &plan)
 {
     apply(link);
+    giveUpUnwanted();
+    restartProbes();
     const QList<VAR_ITEM> none;
     m_driver->ReCreatReadVarList(&none);
     for (const PlannedRequest &request : plan)
         m_driver->AddListReadVar(&request.var);
     m_cycle.load(plan);
-    const std::vector<int> stations = link.stations();
     for (const int station : m_watch.notOn()) {
-        if (std::binary_search(stations.begin(), stations.end(), station))
+        if (isInLink(station))
             continue;
         m_watch.forget(station);
         m_driver->EnCommStation(station, 1);
@@ -75,6 +80,7 @@ void CommunicationLoop::apply(const Link &link)
 {
     const bool isOtherLine = !(link.line == m_link.line);
     m_link = link;
+    m_stations = link.stations();
     m_info.maxRegs = link.maxRegs;
     m_info.retryLimit = link.retries;
     m_status.setStaleAfter(milliseconds(link.staleAfter));
@@ -84,24 +90,52 @@ void CommunicationLoop::apply(const Link &link)
         losePort("it is opened anew with other settings");
 }
 
+bool CommunicationLoop::isInLink(int station) const
+{
+    return std::binary_search(m_stations.begin(), m_stations.end(), station);
+}
+
+// A read that is being repeated for a station that is not asked any more.
+void CommunicationLoop::giveUpUnwanted()
+{
+    if (!m_isUnderWay)
+        return;
+    const Protocol request = *m_driver->ComCommunication();
+    const int station = request.var.station;
+    const bool isWanted = isInLink(station) && m_watch.state(station) == StationWatch::ON;
+    if (!isWanted && request.var.ownerTag < 0)
+        giveUpUnsent(request, {Verdict::NOT_SENT, 0, false, "not asked for any more"});
+}
+
+void CommunicationLoop::restartProbes()
+{
+    for (const int station : m_watch.restart())
+        m_driver->EnCommStation(station, 0);
+}
+
 bool CommunicationLoop::write(const Variable &variable, const std::string &text)
 {
-    return m_desk.offer(variable, text, m_link.maxRegs, m_link.offerAgain, obstacleTo(variable));
+    const bool isQueued =
+        m_desk.offer(variable, text, m_link.maxRegs, m_link.offerAgain, obstacleTo(variable));
+    m_status.setWriting(m_desk.pending());
+    return isQueued;
 }
 
 // A write that waited for a station, or for the port, would be carried out minutes later, when
 // nobody expects it any more. And requests to a disabled station lose their order.
-std::string CommunicationLoop::obstacleTo(const Variable &variable) const
+Verdict CommunicationLoop::obstacleTo(const Variable &variable) const
 {
     if (!m_line)
-        return "the port is not there";
+        return {Verdict::PORT_GONE, 0, false, "the port is not there"};
     if (m_watch.state(variable.station) != StationWatch::ON)
-        return "station " + std::to_string(variable.station) + " is off: it does not answer";
-    return std::string();
+        return {Verdict::NO_REPLY, 0, false,
+                "station " + std::to_string(variable.station) + " is off: it does not answer"};
+    return {Verdict::GOOD, 0, false, ""};
 }
 
 bool CommunicationLoop::turn()
 {
+    switchOffCleared();
     if (m_line)
         beginProbe();
     const Protocol *const pending = m_driver->ComCommunication();
@@ -110,13 +144,11 @@ bool CommunicationLoop::turn()
     const Protocol request = *pending; // gone once DataCom is called
     const int station = request.var.station;
     if (!m_line)
-        giveUpUnsent(request, m_whyClosed);
+        giveUpUnsent(request, m_absence);
     else if (m_watch.state(station) == StationWatch::CLEARING)
-        giveUpUnsent(request, "station off");
+        giveUpUnsent(request, {Verdict::NO_REPLY, 0, false, "station off"});
     else
         exchange(request);
-    if (m_watch.state(station) == StationWatch::CLEARING && !m_desk.hasPending(station))
-        switchOff(station);
     return true;
 }
 
@@ -155,6 +187,7 @@ void CommunicationLoop::readOnce(int station)
 void CommunicationLoop::exchange(const Protocol &request)
 {
     Exchange exchange;
+    m_isUnderWay = true;
     try {
         exchange = m_line->exchange(request.frame, request.replyLen);
     } catch (const PortError &error) {
@@ -167,10 +200,11 @@ void CommunicationLoop::exchange(const Protocol &request)
     const Verdict verdict = verdictOn(request, exchange, resultCode);
     m_taps.judged(verdict.text + (verdict.repeats ? ", will be repeated" : ""));
     m_status.count(station, verdict, exchange);
-    m_wasHeard = m_wasHeard || verdict.kind != Verdict::NO_REPLY;
+    m_wasHeard = m_wasHeard || !exchange.isQuiet || verdict.kind != Verdict::NO_REPLY;
     watchStation(station, verdict);
-    noteEnd(request, verdict);
-    settleWrites(verdict, m_watch.state(station) == StationWatch::ON);
+    noteEnd(request, verdict, true);
+    const bool mayRepeat = m_watch.state(station) == StationWatch::ON;
+    noteWrites(m_desk.settle(takeReports(), verdict, mayRepeat));
 }
 
 // The last try is given up at its failure, whatever the limit.
@@ -186,49 +220,61 @@ int CommunicationLoop::judge(const QByteArray &reply, bool isLastTry)
     return resultCode;
 }
 
-void CommunicationLoop::giveUpUnsent(const Protocol &request, const std::string &reason)
+void CommunicationLoop::giveUpUnsent(const Protocol &request, const Verdict &verdict)
 {
     judge(QByteArray(), true);
-    const Verdict verdict{Verdict::NOT_SENT, 0, false, reason};
-    noteEnd(request, verdict);
-    settleWrites(verdict, false);
+    noteEnd(request, verdict, false);
+    noteWrites(m_desk.settle(takeReports(), verdict, false));
 }
 
-// What was under way may have been carried out or not; nobody can tell. It is not sent again when
-// the port comes back.
 void CommunicationLoop::losePort(const std::string &why)
 {
     const std::string device = m_line->device();
     m_line.reset();
     m_status.setPort(false, why);
     tell(Event::PORT, device, PORT_LOST, why);
-    m_whyClosed = "the port has gone; whether it was carried out is not known";
-    clearWrites();
+    clearWrites(Verdict::PORT_GONE, "the port has gone");
 }
 
 void CommunicationLoop::close(const std::string &why)
 {
     m_line.reset();
-    m_whyClosed = why;
-    clearWrites();
+    m_status.setPort(false, why);
+    clearWrites(Verdict::NOT_SENT, why);
 }
 
-void CommunicationLoop::clearWrites()
+// Nothing waits for the port: writes would be carried out when nobody expects them any more. Of what
+// was under way nobody can tell whether it was carried out.
+void CommunicationLoop::clearWrites(Verdict::Kind kind, const std::string &why)
 {
-    for (int i = 0; i < MAX_CLEARING_TURNS && m_desk.hasPending(); ++i)
+    restartProbes();
+    if (m_isUnderWay)
+        giveUpUnsent(*m_driver->ComCommunication(),
+                     {kind, 0, false, why + "; whether it was carried out is not known"});
+    m_absence = {kind, 0, false, why + " before it was sent"};
+    for (int i = 0; i < MAX_CLEARING_TURNS && queuedWrites() > 0; ++i)
         turn();
+    noteWrites(m_desk.endAll(m_absence));
 }
 
-void CommunicationLoop::noteEnd(const Protocol &request, const Verdict &verdict)
+int CommunicationLoop::queuedWrites() const
+{
+    return m_driver->AddListWriteVar(nullptr, QUEUE_CHECKED);
+}
+
+void CommunicationLoop::noteEnd(const Protocol &request, const Verdict &verdict, bool isSent)
 {
     const bool isOver = !verdict.repeats
                         && (verdict.kind != Verdict::GOOD || m_info.frameDone >= m_info.frameTotal);
+    m_isUnderWay = !isOver;
     if (!isOver)
         return;
     m_wasHeard = false;
+    if (request.var.ownerTag >= 0)
+        m_watch.writeEnded();
     if (request.var.ownerTag != CYCLIC_OWNER_TAG)
         return;
-    if (verdict.kind != Verdict::NOT_SENT)
+    if (isSent)
         m_status.readEnded(request.var.station, spanOf(request.var), verdict);
     if (m_cycle.ended(request.var, m_watch))
         m_status.cycleEnded();
@@ -236,20 +282,33 @@ void CommunicationLoop::noteEnd(const Protocol &request, const Verdict &verdict)
 
 void CommunicationLoop::watchStation(int station, const Verdict &verdict)
 {
-    const bool isProbe = m_watch.state(station) == StationWatch::PROBING;
-    if (isProbe && verdict.kind == Verdict::NO_REPLY) {
+    const StationWatch::State state = m_watch.state(station);
+    if (state == StationWatch::ON) {
+        watchSilence(station, verdict);
+    } else if (state == StationWatch::PROBING && verdict.kind == Verdict::NO_REPLY) {
         switchOff(station);
-    } else if (isProbe) {
+    } else if (state == StationWatch::PROBING) {
         const Clock::duration absence = m_watch.on(station);
         m_status.setOn(station, true);
         tell(Event::STATION, std::to_string(station), STATION_CAME_BACK,
              "it answers again after " + secondsText(absence));
-    } else if (verdict.kind == Verdict::NO_REPLY && !verdict.repeats && !m_wasHeard) {
-        m_watch.silent(station);
-        m_status.setOn(station, false);
-        tell(Event::STATION, std::to_string(station), STATION_WENT_OFF,
-             "it did not answer; the others go on, and it is probed now and then");
     }
+}
+
+void CommunicationLoop::watchSilence(int station, const Verdict &verdict)
+{
+    if (verdict.kind != Verdict::NO_REPLY || verdict.repeats || m_wasHeard || !isInLink(station))
+        return;
+    m_watch.silent(station, queuedWrites());
+    m_status.setOn(station, false);
+    tell(Event::STATION, std::to_string(station), STATION_WENT_OFF,
+         "it did not answer; the others go on, and it is probed now and then");
+}
+
+void CommunicationLoop::switchOffCleared()
+{
+    for (const int station : m_watch.cleared(queuedWrites() == 0))
+        switchOff(station);
 }
 
 void CommunicationLoop::switchOff(int station)
@@ -258,17 +317,19 @@ void CommunicationLoop::switchOff(int station)
     m_watch.off(station);
 }
 
-void CommunicationLoop::settleWrites(const Verdict &verdict, bool mayRepeat)
+void CommunicationLoop::noteWrites(const std::vector<EndedWrite> &ended)
 {
     static const Verdict written{Verdict::GOOD, 0, false, ""};
-    const Verdict notWritten{Verdict::NOT_SENT, 0, false,
-                             "a write failed, and it was not read since"};
-    for (const EndedWrite &write : m_desk.settle(takeReports(), verdict, mayRepeat)) {
+    static const Verdict notWritten{Verdict::NOT_SENT, 0, false,
+                                    "a write failed, and it was not read since"};
+    for (const EndedWrite &write : ended) {
         // The store shows what was to be written: of a value that is read, the next read tells.
         if (!write.isDone || !write.variable.isRead())
             m_status.readEnded(write.variable.station, registersOf(write.variable),
                                write.isDone ? written : notWritten);
     }
+    if (!ended.empty())
+        m_status.setWriting(m_desk.pending());
 }
 
 QByteArray CommunicationLoop::value(const Variable &variable) const

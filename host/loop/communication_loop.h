@@ -48,18 +48,24 @@ public:
 
 private:
     void apply(const Link &link);
-    std::string obstacleTo(const Variable &variable) const;
+    Verdict obstacleTo(const Variable &variable) const;
     void beginProbe();
     void readOnce(int station);
     void exchange(const Protocol &request);
     int judge(const QByteArray &reply, bool isLastTry);
-    void giveUpUnsent(const Protocol &request, const std::string &reason);
-    void clearWrites();
+    void giveUpUnsent(const Protocol &request, const Verdict &verdict);
+    void giveUpUnwanted();
+    void restartProbes();
+    void clearWrites(Verdict::Kind kind, const std::string &why);
     void losePort(const std::string &why);
-    void noteEnd(const Protocol &request, const Verdict &verdict);
+    int queuedWrites() const;
+    bool isInLink(int station) const;
+    void noteEnd(const Protocol &request, const Verdict &verdict, bool isSent);
     void watchStation(int station, const Verdict &verdict);
+    void watchSilence(int station, const Verdict &verdict);
     void switchOff(int station);
-    void settleWrites(const Verdict &verdict, bool mayRepeat);
+    void switchOffCleared();
+    void noteWrites(const std::vector<EndedWrite> &ended);
     void tell(Event::Kind kind, const std::string &name, const char *state,
               const std::string &detail);
 
@@ -69,11 +75,13 @@ private:
     EventSink &m_sink;
     ComInfo m_info;
     std::unique_ptr<SerialLine> m_line; // null while the port is not there
-    std::string m_whyClosed;
+    Verdict m_absence;                  // of the port: what becomes of requests meanwhile
+    std::vector<int> m_stations;        // of the link, ascending
     AdapterIdentity m_adapter;
     StationWatch m_watch;
     CycleCounter m_cycle;
     WriteDesk m_desk;
     LinkStatus m_status;
-    bool m_wasHeard = false; // bytes came in a try of the request that is under way
+    bool m_isUnderWay = false; // a request was sent, or half of it, and has not ended
+    bool m_wasHeard = false;   // bytes came in one of its tries
 };

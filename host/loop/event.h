@@ -14,7 +14,8 @@ struct Event {
     std::string state;                   ///< see below
     std::string value;                   ///< of a write
     std::string detail;                  ///< the reason, or what happens now
-    Verdict::Kind cause = Verdict::GOOD; ///< of a write that failed
+    Verdict::Kind cause = Verdict::GOOD; ///< of a write that failed, or was refused for that
+                                         ///< reason; GOOD where the write itself was the reason
 };
 
 // Event::state
@@ -27,6 +28,7 @@ const char *const STATION_WENT_OFF = "off";
 const char *const STATION_CAME_BACK = "back";
 const char *const PORT_OPEN = "open";
 const char *const PORT_LOST = "lost";
+const char *const PORT_MISSING = "not there";
 
 /// Told on the communication thread.
 class EventSink

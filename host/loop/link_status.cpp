@@ -1,5 +1,7 @@
 #include "host/loop/link_status.h"
 
+#include <algorithm>
+
 using Lock = std::lock_guard<std::mutex>;
 
 const char *nameOf(Freshness freshness)
@@ -44,6 +46,12 @@ void LinkStatus::setStaleAfter(milliseconds age)
     m_staleAfter = age;
 }
 
+void LinkStatus::setWriting(const std::vector<Variable> &variables)
+{
+    const Lock lock(m_mutex);
+    m_writing = variables;
+}
+
 void LinkStatus::count(int station, const Verdict &verdict, const Exchange &exchange)
 {
     const Lock lock(m_mutex);
@@ -82,7 +90,21 @@ ValueState LinkStatus::stateOf(const Variable &variable) const
         state.freshness = Freshness::STALE;
     else
         state.freshness = Freshness::GOOD;
+    if (state.freshness == Freshness::GOOD && isWriting(variable)) {
+        state.freshness = Freshness::STALE;
+        state.refusal = {Verdict::NOT_SENT, 0, false, "a write is under way"};
+    }
     return state;
+}
+
+bool LinkStatus::isWriting(const Variable &variable) const
+{
+    const RegisterSpan span = registersOf(variable);
+    return std::any_of(m_writing.begin(), m_writing.end(), [&](const Variable &written) {
+        const RegisterSpan other = registersOf(written);
+        return written.station == variable.station && other.area == span.area
+               && other.first <= span.last && span.first <= other.last;
+    });
 }
 
 std::vector<StationStatus> LinkStatus::stations() const

@@ -37,6 +37,8 @@ public:
     void setPort(bool isOpen, const std::string &text);
     void setOn(int station, bool isOn);
     void setStaleAfter(milliseconds age);
+    /// Whose fate is not known yet: the store may show what the PLC does not have.
+    void setWriting(const std::vector<Variable> &variables);
     void count(int station, const Verdict &verdict, const Exchange &exchange);
     void readEnded(int station, const RegisterSpan &span, const Verdict &verdict);
     void cycleEnded();
@@ -55,12 +57,15 @@ public:
     std::int64_t cycles() const;
 
 private:
+    bool isWriting(const Variable &variable) const; // with the lock held
+
     mutable std::mutex m_mutex; // guards all below
     bool m_isPortOpen = false;
     std::string m_portText;
     milliseconds m_staleAfter = {};
     std::map<int, StationStatus> m_stations; // timeOff without the present one
     std::map<int, Clock::time_point> m_offSince;
+    std::vector<Variable> m_writing;
     RegisterStates m_registers;
     std::int64_t m_cycles = 0;
 };

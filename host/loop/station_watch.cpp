@@ -17,9 +17,24 @@ StationWatch::State StationWatch::state(int station) const
     return place == m_stations.end() ? ON : place->second.state;
 }
 
-void StationWatch::silent(int station)
+void StationWatch::silent(int station, int queuedWrites)
 {
-    m_stations.insert({station, {CLEARING, Clock::now(), {}, probePauses()}});
+    m_stations.insert({station, {CLEARING, Clock::now(), {}, probePauses(), queuedWrites}});
+}
+
+void StationWatch::writeEnded()
+{
+    for (auto &entry : m_stations)
+        --entry.second.writesLeft;
+}
+
+std::vector<int> StationWatch::cleared(bool isQueueEmpty) const
+{
+    std::vector<int> stations;
+    for (const auto &[station, entry] : m_stations)
+        if (entry.state == CLEARING && (isQueueEmpty || entry.writesLeft <= 0))
+            stations.push_back(station);
+    return stations;
 }
 
 void StationWatch::off(int station)
@@ -45,6 +60,21 @@ std::optional<int> StationWatch::nextProbe()
         return station;
     }
     return std::nullopt;
+}
+
+std::vector<int> StationWatch::restart()
+{
+    std::vector<int> probing;
+    for (auto &[station, entry] : m_stations) {
+        if (entry.state == PROBING)
+            probing.push_back(station);
+        if (entry.state == CLEARING)
+            continue;
+        entry.state = OFF;
+        entry.pause.restart();
+        entry.nextProbe = Clock::now() + entry.pause.next();
+    }
+    return probing;
 }
 
 std::vector<int> StationWatch::notOn() const

@@ -21,14 +21,22 @@ public:
 
     State state(int station) const;
 
-    /// ON -> CLEARING
-    void silent(int station);
+    /// ON -> CLEARING. `queuedWrites`: all that the driver has queued, for whatever station.
+    void silent(int station, int queuedWrites);
+    /// A write of whatever station has left the driver's queue.
+    void writeEnded();
+    /// Those CLEARING for which nothing is queued any more: as many writes have ended as were queued,
+    /// and the driver takes them in their order; or its queue is empty.
+    std::vector<int> cleared(bool isQueueEmpty) const;
     /// CLEARING -> OFF, the first probe due at once; or PROBING -> OFF, the next one later.
     void off(int station);
     /// PROBING -> ON. Returns for how long it was not spoken to.
     Clock::duration on(int station);
     /// OFF -> PROBING, for a station that is due. None: nothing is due.
     std::optional<int> nextProbe();
+    /// PROBING -> OFF for all, and the next probes are due at once: what was under way has been given
+    /// up. Returns those that were PROBING.
+    std::vector<int> restart();
     /// To ON, whatever it was: stations that are not in the plan any more.
     void forget(int station) { m_stations.erase(station); }
 
@@ -41,6 +49,7 @@ private:
         Clock::time_point since; // not spoken to
         Clock::time_point nextProbe;
         GrowingPause pause;
+        int writesLeft; // in the driver's queue, while CLEARING
     };
 
     std::map<int, Station> m_stations; // those that are not ON

@@ -26,9 +26,14 @@ Verdict failure(const Protocol &request, const Exchange &exchange)
 
 } // namespace
 
+bool isGood(int resultCode)
+{
+    return resultCode == RESULT_GOOD || resultCode == RESULT_REMOTE_NOT_STORED;
+}
+
 Verdict verdictOn(const Protocol &request, const Exchange &exchange, int resultCode)
 {
-    if (resultCode == RESULT_GOOD || resultCode == RESULT_REMOTE_NOT_STORED)
+    if (isGood(resultCode))
         return {Verdict::GOOD, 0, false, "good"};
     Verdict verdict = failure(request, exchange);
     verdict.repeats = resultCode == RESULT_WILL_REPEAT;

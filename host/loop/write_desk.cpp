@@ -1,6 +1,7 @@
 #include "host/loop/write_desk.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 WriteDesk::WriteDesk(const DriverLibrary &driver, EventSink &sink, const std::string &link)
@@ -11,34 +12,54 @@ WriteDesk::WriteDesk(const DriverLibrary &driver, EventSink &sink, const std::st
 }
 
 bool WriteDesk::offer(const Variable &variable, const std::string &text, int maxRegs, int offers,
-                      const std::string &obstacle)
+                      const Verdict &obstacle)
 {
-    Pending write{variable, text, QByteArray(), 0, offers};
+    Pending write{variable, text, QByteArray(), targetsOf(variable, maxRegs), offers};
+    const int number = numberOf(variable);
     try {
         if (!variable.isWritten())
             throw std::invalid_argument("it is read only");
         write.value = valueOf(variable, text);
-        write.pieces = static_cast<int>(targetsOf(variable, maxRegs).size());
-        if (!obstacle.empty())
-            throw std::invalid_argument(obstacle);
-        if (!queue(numberOf(variable.name), write))
+        if (obstacle.kind != Verdict::GOOD) {
+            tell(write, WRITE_REFUSED, obstacle.text, obstacle.kind);
+            return false;
+        }
+        if (!queue(number, write))
             throw std::invalid_argument("the write queue is full; try again later");
     } catch (const std::invalid_argument &error) {
         tell(write, WRITE_REFUSED, error.what());
         return false;
     }
-    const int number = numberOf(variable.name);
-    const auto older = m_pending.find(number);
-    if (older != m_pending.end())
-        tell(older->second, WRITE_SUPERSEDED, "by " + text);
+    supersede(number, write);
     m_pending[number] = write;
     return true;
 }
 
-// The driver drops what does not fit without a word, piece by piece.
-bool WriteDesk::hasRoom(int pieces) const
+// The driver lets a newer record to the same target take an older one's place, whoever queued it. Two
+// variables have a target in common only where a reload has given one place another name.
+void WriteDesk::supersede(int number, const Pending &newer)
 {
-    return m_driver.AddListWriteVar(nullptr, QUEUE_CHECKED) + pieces <= LIMIT_QUEUE_ENTRIES;
+    const auto isReplaced = [&newer](const Pending &older) {
+        std::vector<WriteTarget> common;
+        std::set_intersection(older.targets.begin(), older.targets.end(), newer.targets.begin(),
+                              newer.targets.end(), std::back_inserter(common));
+        return !common.empty() && older.variable.kind == newer.variable.kind;
+    };
+    for (auto place = m_pending.begin(); place != m_pending.end();) {
+        if (place->first != number && !isReplaced(place->second)) {
+            ++place;
+            continue;
+        }
+        tell(place->second, WRITE_SUPERSEDED, "by " + newer.text);
+        place = m_pending.erase(place);
+    }
+}
+
+// The driver drops what does not fit without a word, piece by piece.
+bool WriteDesk::hasRoom(size_t pieces) const
+{
+    const int queued = m_driver.AddListWriteVar(nullptr, QUEUE_CHECKED);
+    return queued + static_cast<int>(pieces) <= LIMIT_QUEUE_ENTRIES;
 }
 
 std::vector<EndedWrite> WriteDesk::settle(const std::vector<RequestReport> &reports,
@@ -68,27 +89,41 @@ std::vector<EndedWrite> WriteDesk::settle(const std::vector<RequestReport> &repo
     return ended;
 }
 
-bool WriteDesk::hasPending(int station) const
+std::vector<Variable> WriteDesk::pending() const
 {
-    return std::any_of(m_pending.begin(), m_pending.end(), [station](const auto &entry) {
-        return entry.second.variable.station == station;
-    });
+    std::vector<Variable> variables;
+    for (const auto &entry : m_pending)
+        variables.push_back(entry.second.variable);
+    return variables;
+}
+
+std::vector<EndedWrite> WriteDesk::endAll(const Verdict &verdict)
+{
+    std::vector<EndedWrite> ended;
+    for (const auto &entry : m_pending) {
+        tell(entry.second, WRITE_FAILED, verdict.text, verdict.kind);
+        ended.push_back({entry.second.variable, false});
+    }
+    m_pending.clear();
+    return ended;
 }
 
 // The identity is the variable: all pieces of a write carry it, and the last one reports for all.
 bool WriteDesk::queue(int number, const Pending &write)
 {
     const Variable &variable = write.variable;
-    return hasRoom(write.pieces)
+    return hasRoom(write.targets.size())
            && m_driver.SetRegisterData(QString::fromStdString(variable.name), variable.kind,
                                        QString::fromStdString(variable.address), variable.station,
                                        &write.value, lengthOf(variable), 0, number)
                   > 0;
 }
 
-int WriteDesk::numberOf(const std::string &name)
+int WriteDesk::numberOf(const Variable &variable)
 {
-    return m_numbers.insert({name, static_cast<int>(m_numbers.size()) + 1}).first->second;
+    const std::string key = variable.name + " " + std::to_string(variable.station) + " "
+                            + placeOf(variable) + " " + std::to_string(lengthOf(variable));
+    return m_numbers.insert({key, static_cast<int>(m_numbers.size()) + 1}).first->second;
 }
 
 void WriteDesk::tell(const Pending &write, const char *state, const std::string &detail,

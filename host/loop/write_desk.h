@@ -23,10 +23,10 @@ public:
     /// Both outlive the desk.
     WriteDesk(const DriverLibrary &driver, EventSink &sink, const std::string &link);
 
-    /// Queues a write, or tells why it is refused. `obstacle` is such a reason; empty when there is
+    /// Queues a write, or tells why it is refused. `obstacle` is such a reason; GOOD when there is
     /// none. `offers`: how often it is queued again after it was given up. True when it was queued.
     bool offer(const Variable &variable, const std::string &text, int maxRegs, int offers,
-               const std::string &obstacle);
+               const Verdict &obstacle);
 
     /// Tells what became of the writes that were reported. `verdict` is that on the last
     /// exchange; where `mayRepeat`, given-up writes that have offers left are queued again.
@@ -35,26 +35,32 @@ public:
 
     /// Neither done nor failed yet.
     bool hasPending() const { return !m_pending.empty(); }
-    bool hasPending(int station) const;
+    std::vector<Variable> pending() const;
+
+    /// Tells of all pending writes that they failed.
+    std::vector<EndedWrite> endAll(const Verdict &verdict);
 
 private:
     struct Pending {
         Variable variable;
         std::string text;
         QByteArray value;
-        int pieces; // records in the driver's queue
+        std::vector<WriteTarget> targets; // one for each record in the driver's queue
         int offersLeft;
     };
 
-    bool hasRoom(int pieces) const;
+    bool hasRoom(size_t pieces) const;
+    void supersede(int number, const Pending &newer);
     bool queue(int number, const Pending &write);
-    int numberOf(const std::string &name);
+    int numberOf(const Variable &variable);
     void tell(const Pending &write, const char *state, const std::string &detail,
               Verdict::Kind cause = Verdict::GOOD);
 
     const DriverLibrary &m_driver;
     EventSink &m_sink;
     std::string m_link;
-    std::map<std::string, int> m_numbers; // never taken back: reports may still be under way
+    // By name and place: after a reload a name may stand for another place, and both may have a write
+    // under way. Never taken back, since reports may still come.
+    std::map<std::string, int> m_numbers;
     std::map<int, Pending> m_pending;
 };

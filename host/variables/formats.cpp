@@ -286,6 +286,11 @@ std::string textFrom(const QByteArray &bytes, const Format &format, int count, b
     return text;
 }
 
+size_t charactersIn(const std::string &text)
+{
+    return unescaped(text).size();
+}
+
 QByteArray bytesFrom(const std::string &text, const Format &format, int count, bool inRegisters)
 {
     if (format.type == Format::TEXT)

@@ -33,6 +33,9 @@ bool fits(const Format &format, int unitBits);
 /// stands as \xNN.
 std::string textFrom(const QByteArray &bytes, const Format &format, int count, bool inRegisters);
 
+/// Characters of a text, an escape being one. Throws std::invalid_argument.
+size_t charactersIn(const std::string &text);
+
 /// The bytes for SetRegisterData. A text may be shorter than its characters: it is filled with 0.
 /// Throws std::invalid_argument that says what is wrong with the text, with the range where it is out
 /// of it.
