@@ -134,7 +134,7 @@ TEST(Line, TimeOuts)
     test.settings.baudRate = 9600;
     EXPECT_EQ(test.exchange("01 03 00 00 00 64", 205).reply.size(), 205);
     // And it runs from the request's last byte on, which takes 230 ms to go out.
-    const std::string write = "01 10 00 00 00 60 C0" + std::string(2 * 192, '0');
+    const std::string write = "01 10 00 00 00 60 C0" + std::string(384, '0');
     EXPECT_EQ(test.exchange(write.c_str(), 8).reply.size(), 8);
 }
 

@@ -228,6 +228,7 @@ private:
 std::string listOf(const std::vector<int> &numbers)
 {
     std::vector<std::string> texts;
+    texts.reserve(numbers.size());
     for (const int number : numbers)
         texts.push_back(std::to_string(number));
     return joined(texts);

@@ -49,7 +49,7 @@ QByteArray AnswerFilter::answer() const
 
 QByteArray AnswerFilter::takeRest()
 {
-    const QByteArray rest = m_bytes.mid(answer().size());
+    QByteArray rest = m_bytes.mid(answer().size());
     m_bytes.clear();
     return rest;
 }
