@@ -60,7 +60,7 @@ Console::Input Console::wait(int milliseconds)
     if (files[0].revents != 0)
         readSignals(input);
     if (files[1].revents != 0)
-        readLines(input);
+        readLines(input, (files[1].revents & POLLHUP) != 0);
     return input;
 }
 
@@ -80,13 +80,14 @@ void Console::readSignals(Input &input) const
     }
 }
 
-void Console::readLines(Input &input)
+void Console::readLines(Input &input, bool isHungUp)
 {
     std::array<char, 4096> bytes;
     const ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
     if (count <= 0) {
         m_isInputOpen = count < 0 && (errno == EINTR || errno == EAGAIN);
-        input.isEnd = input.isEnd || (!m_isInputOpen && m_isTerminal);
+        // In the background a terminal gives an error as well, and is still there.
+        input.isEnd = input.isEnd || (m_isTerminal && (count == 0 || isHungUp));
         if (m_isInputOpen || m_rest.empty())
             return;
         m_rest += '\n';

@@ -27,7 +27,7 @@ public:
 
 private:
     void readSignals(Input &input) const;
-    void readLines(Input &input);
+    void readLines(Input &input, bool isHungUp);
 
     bool m_isInputOpen;
     bool m_isTerminal;
