@@ -45,7 +45,15 @@ LiveTable::LiveTable()
 
 LiveTable::~LiveTable()
 {
-    std::fputs(FIRST_SCREEN, stdout);
+    leave();
+}
+
+// At once: whoever does not want to wait for the end of an exchange gets the terminal in good order.
+void LiveTable::leave()
+{
+    if (m_isShown)
+        std::fputs(FIRST_SCREEN, stdout);
+    m_isShown = false;
     std::fflush(stdout);
 }
 
@@ -64,7 +72,7 @@ void LiveTable::note(const std::string &text)
 
 void LiveTable::finish(const Snapshot &snapshot)
 {
-    std::fputs(FIRST_SCREEN, stdout);
+    leave();
     for (const std::string &line : m_news)
         std::printf("%s\n", line.c_str());
     std::printf("\n");

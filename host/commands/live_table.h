@@ -15,11 +15,13 @@ public:
     void show(const Snapshot &snapshot) override;
     void tell(const Event &event) override;
     void note(const std::string &text) override;
+    void leave() override;
     void finish(const Snapshot &snapshot) override;
 
 private:
     std::vector<std::string> linesOf(const Snapshot &snapshot, size_t rows) const;
 
+    bool m_isShown = true;          // on a screen of its own
     std::deque<std::string> m_news; // the latest
     int m_promptRow = 0;
 };

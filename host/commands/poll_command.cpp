@@ -70,6 +70,7 @@ int PollCommand::run()
         const std::unique_ptr<PollView> view = makeView();
         loop(session, *view);
         last = session.snapshot();
+        view->leave();
         session.stop();
         passEvents(session, *view);
         view->finish(last);

@@ -36,6 +36,8 @@ public:
     virtual void tell(const Event &event) = 0;
     /// What is neither a value nor an event: a reload, a line that was not understood.
     virtual void note(const std::string &text) = 0;
+    /// No more show; what is under way on the lines is waited for.
+    virtual void leave() {}
     /// The last call.
     virtual void finish(const Snapshot &snapshot) = 0;
 };
