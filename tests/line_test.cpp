@@ -148,6 +148,17 @@ TEST(Line, WhatIsNoAnswerIsDropped)
     }
 }
 
+TEST(Line, IsEmptiedBeforeEachRequest)
+{
+    LineUnderTest test;
+    test.settings.guardTime = 0;
+    test.plc.setFault(1, parseFault("1:late=60").fault);
+    EXPECT_EQ(test.read12(), " (nothing)");
+    QThread::msleep(50); // now it comes
+    test.plc.setFault(1, parseFault("1:none").fault);
+    EXPECT_EQ(hexText(test.exchange("01 04 00 0D 00 01", 7).reply), "01 04 02 A1 8F 81 04");
+}
+
 // A transmitter that is stuck, behind what looks like a long answer.
 TEST(Line, ALineThatNeverFallsSilent)
 {
