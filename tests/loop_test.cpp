@@ -266,6 +266,20 @@ TEST_F(LoopTest, ExceptionsAndDamageAreCountedAndCostNoStation)
     }
 }
 
+TEST_F(LoopTest, OneAnswerInAllTriesIsNoSilence)
+{
+    add("value", "6:12");
+    start();
+    fault("1:flip");
+    loop->turn();
+    fault("1:silent");
+    loop->turn();
+    EXPECT_EQ(counters(1).givenUp, 1);
+    EXPECT_TRUE(loop->status().isOn(1));
+    turnUntil([this] { return counters(1).givenUp == 2; });
+    EXPECT_FALSE(loop->status().isOn(1));
+}
+
 TEST_F(LoopTest, AnExceptionCostsNoTimeOut)
 {
     add("beyond", "6:1000");

@@ -8,6 +8,8 @@
 namespace
 {
 
+const size_t WIDEST = 1000; // characters: where nothing cuts a line
+
 const std::chrono::seconds SHORTEST_INTERVAL(1); // between two values of one variable
 
 } // namespace
@@ -68,25 +70,38 @@ std::string sentenceOn(const StationStatus &status)
            + (status.isOn ? "; it is back." : "; it is still off, and probed now and then.");
 }
 
-} // namespace
-
-std::vector<std::string> valueTable(const Snapshot &snapshot)
+std::string sentenceOn(const std::vector<ValueRow> &rows)
 {
-    TextTable values({"name", "station", "address", "value", "state", "age"});
-    for (const ValueRow &row : snapshot.values)
-        values.add({row.variable.name, std::to_string(row.variable.station), placeOf(row.variable),
-                    row.text, stateText(row.state), ageText(row.state)});
-    return values.lines();
+    const auto isRead = [](const ValueRow &row) { return row.variable.isRead(); };
+    const auto isGood = [&](const ValueRow &row) {
+        return isRead(row) && row.state.freshness == Freshness::GOOD;
+    };
+    const auto read = std::count_if(rows.begin(), rows.end(), isRead);
+    const auto good = std::count_if(rows.begin(), rows.end(), isGood);
+    const auto written = static_cast<std::ptrdiff_t>(rows.size()) - read;
+    return std::to_string(good) + " of " + std::to_string(read) + " values are good"
+           + (written > 0 ? "; " + std::to_string(written) + " more are only written." : ".");
 }
 
-std::vector<std::string> linkTables(const Snapshot &snapshot)
+} // namespace
+
+std::vector<std::string> valueTable(const Snapshot &snapshot, size_t width)
+{
+    TextTable values({"name", "station", "address", "value", "age", "state"});
+    for (const ValueRow &row : snapshot.values)
+        values.add({row.variable.name, std::to_string(row.variable.station), placeOf(row.variable),
+                    row.text, ageText(row.state), stateText(row.state)});
+    return values.lines(width);
+}
+
+std::vector<std::string> linkTables(const Snapshot &snapshot, size_t width)
 {
     std::vector<std::string> lines;
     for (const LinkRow &link : snapshot.links) {
         lines.push_back("");
         lines.push_back("Link " + link.name + (link.isOpen ? " on " : " without its port: ")
                         + link.port + ", " + std::to_string(link.cycles) + " cycles");
-        const std::vector<std::string> stations = stationTable(link);
+        const std::vector<std::string> stations = stationTable(link, width);
         lines.insert(lines.end(), stations.begin(), stations.end());
     }
     return lines;
@@ -94,17 +109,13 @@ std::vector<std::string> linkTables(const Snapshot &snapshot)
 
 std::vector<std::string> summaryOf(const Snapshot &snapshot)
 {
-    std::vector<std::string> lines = valueTable(snapshot);
-    const std::vector<std::string> links = linkTables(snapshot);
+    std::vector<std::string> lines = valueTable(snapshot, WIDEST);
+    const std::vector<std::string> links = linkTables(snapshot, WIDEST);
     lines.insert(lines.end(), links.begin(), links.end());
-    const auto good =
-        std::count_if(snapshot.values.begin(), snapshot.values.end(),
-                      [](const ValueRow &row) { return row.state.freshness == Freshness::GOOD; });
     lines.push_back("");
     for (const LinkRow &link : snapshot.links)
         for (const StationStatus &status : link.stations)
             lines.push_back(sentenceOn(status));
-    lines.push_back(std::to_string(good) + " of " + std::to_string(snapshot.values.size())
-                    + " values are good.");
+    lines.push_back(sentenceOn(snapshot.values));
     return lines;
 }

@@ -24,11 +24,11 @@ private:
     std::map<std::string, Shown> m_shown; // by name
 };
 
-/// The values, under their headings.
-std::vector<std::string> valueTable(const Snapshot &snapshot);
+/// The values, under their headings. `width` as in TextTable.
+std::vector<std::string> valueTable(const Snapshot &snapshot, size_t width);
 
 /// For each link its name and its stations.
-std::vector<std::string> linkTables(const Snapshot &snapshot);
+std::vector<std::string> linkTables(const Snapshot &snapshot, size_t width);
 
 /// The tables, and what they say in words. Other views end with it as well.
 std::vector<std::string> summaryOf(const Snapshot &snapshot);

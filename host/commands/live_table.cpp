@@ -4,6 +4,7 @@
 #include "host/commands/tables.h"
 
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -51,10 +52,13 @@ LiveTable::~LiveTable()
 // At once: whoever does not want to wait for the end of an exchange gets the terminal in good order.
 void LiveTable::leave()
 {
-    if (m_isShown)
-        std::fputs(FIRST_SCREEN, stdout);
+    if (!m_isShown)
+        return;
     m_isShown = false;
+    std::fputs(FIRST_SCREEN, stdout);
     std::fflush(stdout);
+    if (::isatty(STDIN_FILENO) != 0)
+        ::tcflush(STDIN_FILENO, TCIFLUSH); // a line that was half typed is not for the shell
 }
 
 void LiveTable::tell(const Event &event)
@@ -81,13 +85,16 @@ void LiveTable::finish(const Snapshot &snapshot)
 }
 
 // Where the terminal is too low for everything, values are left out first.
-std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot, size_t rows) const
+std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot, size_t rows,
+                                            size_t columns) const
 {
-    std::vector<std::string> tail = linkTables(snapshot);
+    std::vector<std::string> tail = linkTables(snapshot, columns);
+    tail.emplace_back();
     const size_t skipped = m_news.size() - std::min(m_news.size(), NEWS_SHOWN);
-    tail.push_back("");
-    tail.insert(tail.end(), m_news.begin() + static_cast<std::ptrdiff_t>(skipped), m_news.end());
-    std::vector<std::string> lines = valueTable(snapshot);
+    for (size_t i = skipped; i < m_news.size(); ++i)
+        for (const std::string &line : wrapped(m_news[i], columns))
+            tail.push_back(line);
+    std::vector<std::string> lines = valueTable(snapshot, columns);
     const size_t room = rows > tail.size() + 3 ? rows - tail.size() : 3;
     if (lines.size() > room) {
         const size_t hidden = lines.size() - room + 1;
@@ -103,7 +110,7 @@ std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot, size_t row
 void LiveTable::show(const Snapshot &snapshot)
 {
     const TerminalSize size = terminalSize();
-    const std::vector<std::string> lines = linesOf(snapshot, size.rows - 2);
+    const std::vector<std::string> lines = linesOf(snapshot, size.rows - 2, size.columns - 1);
     std::fputs(SAVE_CURSOR, stdout);
     std::fputs(HOME, stdout);
     for (const std::string &line : lines)

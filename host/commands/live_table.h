@@ -19,7 +19,7 @@ public:
     void finish(const Snapshot &snapshot) override;
 
 private:
-    std::vector<std::string> linesOf(const Snapshot &snapshot, size_t rows) const;
+    std::vector<std::string> linesOf(const Snapshot &snapshot, size_t rows, size_t columns) const;
 
     bool m_isShown = true;          // on a screen of its own
     std::deque<std::string> m_news; // the latest

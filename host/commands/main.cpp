@@ -24,6 +24,33 @@ int runChosen(const std::vector<std::unique_ptr<Command>> &commands)
     return EXIT_USAGE;
 }
 
+// A negative value would be taken for options: "-12" for -1 and -2, or "-0.5" for -0.
+void checkNegativeNumbers(int argc, char *argv[])
+{
+    for (int i = 2; i < argc && std::string(argv[i]) != "--"; ++i) {
+        const std::string text = argv[i];
+        const bool isNumber =
+            text.size() > 1 && text[0] == '-' && text.find_first_of("0123456789.", 1) == 1;
+        const bool isOption = text == "-0" || (text == "-1" && std::string(argv[1]) == "read");
+        if (isNumber && !isOption)
+            throw std::invalid_argument("\"" + text
+                                        + "\": a negative value goes behind --, as in: panelhost "
+                                          "write DEVICE -r 101 -t 4:s16 -- "
+                                        + text);
+    }
+}
+
+void checkSubcommand(const CLI::App &program, int argc, char *argv[])
+{
+    if (argc > 1 && argv[1][0] != '-'
+        && program
+               .get_subcommands(
+                   [argv](const CLI::App *command) { return command->get_name() == argv[1]; })
+               .empty())
+        throw std::invalid_argument(std::string("there is no sub-command \"") + argv[1]
+                                    + "\"\nRun with --help for those that there are.");
+}
+
 int parseAndRun(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
@@ -31,6 +58,7 @@ int parseAndRun(int argc, char *argv[])
         "Reads and writes the variables of PLCs on serial lines, with the Modbus RTU driver "
         "of operator panels.");
     program.require_subcommand(1);
+    program.set_version_flag("--version", PROJECT_VERSION);
     program.footer(std::string("Each sub-command has a --help of its own.\n") + EXIT_STATUS_HELP);
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<PollCommand>(program));
@@ -38,6 +66,8 @@ int parseAndRun(int argc, char *argv[])
     commands.push_back(std::make_unique<ReadCommand>(program));
     commands.push_back(std::make_unique<WriteCommand>(program));
     commands.push_back(std::make_unique<SimulateCommand>(program));
+    checkSubcommand(program, argc, argv);
+    checkNegativeNumbers(argc, argv);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -47,7 +47,6 @@ OneShotOptions::OneShotOptions(CLI::App &options) : m_options(options)
         ->check(numberFrom(0, 65536))
         ->capture_default_str();
     options.add_flag("-0", m_isFromZero, "-r counts from 0, as the line does");
-    options.add_flag("-1", "once: the default, taken for mbpoll's sake");
     options.add_flag("-B", m_isBigEndian, "the first register of a 32-bit number is its high half");
 }
 

@@ -5,6 +5,8 @@
 
 #include <QDateTime>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -49,19 +51,35 @@ std::string textOf(const Event &event)
     }
 }
 
-std::vector<std::string> stationTable(const LinkRow &link)
+std::vector<std::string> stationTable(const LinkRow &link, size_t width)
 {
-    TextTable table({"station", "is", "sent", "good", "no reply", "bad CRC", "wrong length",
-                     "collisions", "retries", "given up", "mean ms", "worst ms", "exceptions"});
+    const auto has = [&link](auto isSo) {
+        return std::any_of(link.stations.begin(), link.stations.end(),
+                           [&](const StationStatus &status) { return isSo(status.counters); });
+    };
+    const bool hasCollisions = has([](const StationCounters &c) { return c.collisions > 0; });
+    const bool hasExceptions = has([](const StationCounters &c) { return !c.exceptions.empty(); });
+    TextTable::Row headings = {"station", "is",      "sent",     "good", "no reply", "bad CRC",
+                               "length",  "retries", "given up", "mean", "worst"};
+    if (hasCollisions)
+        headings.emplace_back("collisions");
+    if (hasExceptions)
+        headings.emplace_back("exceptions");
+    TextTable table(headings);
     for (const StationStatus &status : link.stations) {
         const StationCounters &counters = status.counters;
-        table.add({std::to_string(status.station), status.isOn ? "on" : "off",
-                   std::to_string(counters.sent), std::to_string(counters.good),
-                   std::to_string(counters.noReply), std::to_string(counters.badCrc),
-                   std::to_string(counters.wrongLength), std::to_string(counters.collisions),
-                   std::to_string(counters.retries), std::to_string(counters.givenUp),
-                   thousandths(counters.meanResponse().count()),
-                   thousandths(counters.worstResponse.count()), exceptionsText(counters)});
+        TextTable::Row row = {std::to_string(status.station), status.isOn ? "on" : "off"};
+        for (const StationCounters::Count count :
+             {counters.sent, counters.good, counters.noReply, counters.badCrc, counters.wrongLength,
+              counters.retries, counters.givenUp})
+            row.push_back(std::to_string(count));
+        row.push_back(thousandths(counters.meanResponse().count()));
+        row.push_back(thousandths(counters.worstResponse.count()));
+        if (hasCollisions)
+            row.push_back(std::to_string(counters.collisions));
+        if (hasExceptions)
+            row.push_back(exceptionsText(counters));
+        table.add(row);
     }
-    return table.lines();
+    return table.lines(width);
 }

@@ -17,6 +17,7 @@ ReadCommand::ReadCommand(CLI::App &program)
     m_options.add_option("-c,--count", m_count, "number of values from -r on")
         ->check(numberFrom(1, 1024))
         ->capture_default_str();
+    m_options.add_flag("-1", "once: the default, taken for mbpoll's sake");
     m_options.add_option("variables", m_names,
                          "variables, see below; without any, -t, -r and -c say what is read");
     m_options.footer(std::string(VARIABLES_HELP)
@@ -27,6 +28,8 @@ ReadCommand::ReadCommand(CLI::App &program)
 
 int ReadCommand::run()
 {
+    if (!m_names.empty() && (m_what.isByReference() || m_options.count("-c") > 0))
+        throw std::invalid_argument("-t, -r, -0 and -c go without variables");
     Link link = m_line.link();
     for (const std::string &name : m_names)
         link.variables.push_back(parseVariable(name, m_line.station(), Access::READ));

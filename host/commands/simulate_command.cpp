@@ -278,7 +278,7 @@ void printRequests(const SimulatedPlc &plc, const std::vector<int> &stations)
 } // namespace
 
 SimulateCommand::SimulateCommand(CLI::App &program)
-    : Command(program, "simulate", "Simulated PLCs on a pseudo-terminal, to try a master on"),
+    : Command(program, "simulate", "Simulated PLCs on a pseudo-terminal, to try a master on."),
       m_taps(m_options)
 {
     const auto add = [this](const char *name, auto &target, const char *help) {

@@ -3,18 +3,21 @@
 #include <QString>
 
 #include <algorithm>
+#include <numeric>
 
-std::vector<std::string> TextTable::lines() const
+std::vector<std::string> TextTable::lines(size_t width) const
 {
     std::vector<size_t> widths(m_rows.front().size());
     for (const Row &row : m_rows)
         for (size_t i = 0; i < widths.size(); ++i)
             widths[i] = std::max(widths[i], widthOf(row.at(i)));
+    const size_t cells = std::accumulate(widths.begin(), widths.end(), size_t{0});
+    const size_t gap = cells + 2 * (widths.size() - 1) <= width ? 2 : 1;
     std::vector<std::string> lines;
     for (const Row &row : m_rows) {
         std::string line;
         for (size_t i = 0; i < widths.size(); ++i)
-            line += row[i] + std::string(widths[i] - widthOf(row[i]) + 2, ' ');
+            line += row[i] + std::string(widths[i] - widthOf(row[i]) + gap, ' ');
         line.erase(line.find_last_not_of(' ') + 1);
         lines.push_back(line);
     }
@@ -28,7 +31,19 @@ size_t widthOf(const std::string &text)
 
 std::string leftOf(const std::string &text, size_t width)
 {
-    return QString::fromStdString(text).left(static_cast<int>(width)).toStdString();
+    if (widthOf(text) <= width)
+        return text;
+    return QString::fromStdString(text).left(static_cast<int>(width) - 1).toStdString() + "~";
+}
+
+std::vector<std::string> wrapped(const std::string &text, size_t width)
+{
+    const QString whole = QString::fromStdString(text);
+    const int step = static_cast<int>(std::max<size_t>(width, 1));
+    std::vector<std::string> pieces;
+    for (int begin = 0; begin < whole.size(); begin += step)
+        pieces.push_back(whole.mid(begin, step).toStdString());
+    return pieces;
 }
 
 // By hand: printf would write a comma in some countries.

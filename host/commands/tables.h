@@ -14,8 +14,9 @@ public:
     /// As many cells as there are headings.
     void add(const Row &row) { m_rows.push_back(row); }
 
-    /// Each column as wide as its longest cell; no space at the end of a line.
-    std::vector<std::string> lines() const;
+    /// Each column as wide as its longest cell; no space at the end of a line. Columns stand closer
+    /// where they would not fit into `width` characters otherwise.
+    std::vector<std::string> lines(size_t width = 1000) const;
 
 private:
     std::vector<Row> m_rows;
@@ -24,8 +25,11 @@ private:
 /// Characters that a UTF-8 text takes on a terminal, near enough.
 size_t widthOf(const std::string &text);
 
-/// Its first characters.
+/// Its first characters, the last one "~" where some are missing.
 std::string leftOf(const std::string &text, size_t width);
+
+/// In pieces of so many characters at the most.
+std::vector<std::string> wrapped(const std::string &text, size_t width);
 
 /// "12.3" for 12345 with one digit behind the point, "12.345" with three. Not negative.
 std::string thousandths(long long number, int digits = 1);

@@ -9,11 +9,6 @@
 namespace
 {
 
-bool isNamed(const std::string &value)
-{
-    return value.find('=') != std::string::npos;
-}
-
 // A person sees where it goes before it goes there.
 void printTarget(const Variable &variable, const std::string &text)
 {
@@ -86,7 +81,7 @@ bool WriteCommand::areValues(const std::vector<Write> &todo)
 std::vector<WriteCommand::Write> WriteCommand::writes() const
 {
     std::vector<Write> writes;
-    if (m_what.isByReference() || std::none_of(m_values.begin(), m_values.end(), isNamed)) {
+    if (m_what.isByReference()) {
         std::string text;
         for (const std::string &value : m_values)
             text += (text.empty() ? "" : " ") + value;
@@ -100,7 +95,8 @@ std::vector<WriteCommand::Write> WriteCommand::writes() const
     for (const std::string &value : m_values) {
         const size_t place = value.find('=');
         if (place == std::string::npos)
-            throw std::invalid_argument("\"" + value + "\" is not VARIABLE=VALUE");
+            throw std::invalid_argument("\"" + value
+                                        + "\" is not VARIABLE=VALUE; values alone need -r");
         writes.push_back({parseVariable(value.substr(0, place), m_line.station(), Access::WRITE),
                           value.substr(place + 1)});
     }

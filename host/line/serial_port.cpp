@@ -45,7 +45,8 @@ std::string adviceOn(const QSerialPort &port)
     case QSerialPort::DeviceNotFoundError:
         return "there is no such device";
     case QSerialPort::PermissionError:
-        return "another program uses it, or this user may not (its group is often dialout)";
+        return "another program uses it, or this user may not (its group is often dialout): "
+               + port.errorString().toStdString();
     default:
         break;
     }

@@ -2,6 +2,9 @@
 
 #include "host/links/fields.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 #include <map>
 #include <set>
 
@@ -25,10 +28,12 @@ const std::vector<std::string> variableKeys = {"name",   "station", "kind",  "ad
 // A name stands before "=" in a write and in a line of its own in what is printed.
 void checkName(const Fields &fields, const std::string &name)
 {
-    for (const char character : name)
-        if (character <= ' ' || character == '=' || character == 127)
+    for (const char character : name) {
+        const int code = static_cast<unsigned char>(character);
+        if (code <= ' ' || code == '=' || code == 127)
             fields.fail("name",
                         "\"" + name + "\" holds a space, a \"=\" or what cannot be printed");
+    }
 }
 
 LineSettings readLine(const Fields &fields)
@@ -66,11 +71,14 @@ public:
 private:
     toml::table parse() const
     {
+        QFile file(QString::fromStdString(m_path));
+        if (QFileInfo(file).isDir() || !file.open(QIODevice::ReadOnly))
+            throw FileError(m_path + ": it cannot be read: "
+                            + (QFileInfo(file).isDir() ? "it is a directory"
+                                                       : file.errorString().toStdString()));
         try {
-            return toml::parse_file(m_path);
+            return toml::parse(file.readAll().toStdString(), m_path);
         } catch (const toml::parse_error &error) {
-            if (error.source().begin.line == 0)
-                throw FileError(m_path + ": " + std::string(error.description()));
             throw errorAt(m_path, error.source(), std::string(error.description()));
         }
     }
@@ -84,6 +92,10 @@ private:
         if (!m_linkNames.insert(link.name).second)
             fields.fail("name", "there is another link \"" + link.name + "\"");
         link.line = readLine(fields);
+        for (const std::string &device : link.line.devices)
+            if (!m_devices.insert(device).second)
+                fields.fail("device",
+                            "\"" + device + "\" stands there already; one line is one link");
         link.retries = fields.number("retries", 0, 100, link.retries);
         link.ownFailuresOnly = fields.flag("ownFailuresOnly", link.ownFailuresOnly);
         link.offerAgain = fields.number("offerAgain", 0, 100, link.offerAgain);
@@ -115,6 +127,8 @@ private:
             const std::optional<std::string> format = fields.text("format");
             variable.format = format ? parseFormat(*format) : defaultFormat(variable.kind);
         });
+        if (variable.isWritten() && !isWritable(variable.kind))
+            fields.fail("access", "kind \"" + kindName(variable.kind) + "\" cannot be written");
         located(fields, "address", [&] { checkVariable(variable); });
         return variable;
     }
@@ -164,6 +178,7 @@ private:
 
     std::string m_path;
     std::set<std::string> m_linkNames;
+    std::set<std::string> m_devices;
     std::set<std::string> m_variableNames;
 };
 

@@ -214,7 +214,7 @@ QByteArray charactersOf(const std::string &text, const Format &format, int count
 {
     const std::string characters = unescaped(text);
     if (characters.size() > static_cast<size_t>(count))
-        throw std::invalid_argument("\"" + text + "\" is out of range: it has "
+        throw std::invalid_argument("\"" + text + "\" is too long: it has "
                                     + std::to_string(characters.size()) + " characters, and "
                                     + std::to_string(count) + " fit");
     QByteArray bytes(inRegisters ? (count + 1) / 2 * 2 : count, 0);
@@ -297,8 +297,9 @@ QByteArray bytesFrom(const std::string &text, const Format &format, int count, b
         return charactersOf(text, format, count, inRegisters);
     const std::vector<std::string> words = wordsOf(text);
     if (words.size() != static_cast<size_t>(count))
-        throw std::invalid_argument("\"" + text + "\" are " + std::to_string(words.size())
-                                    + " values instead of " + std::to_string(count));
+        throw std::invalid_argument("\"" + text
+                                    + "\": values given: " + std::to_string(words.size())
+                                    + ", wanted: " + std::to_string(count));
     QByteArray bytes;
     for (const std::string &word : words)
         bytes += bytesOf(format.type == Format::F32 ? parseFloat(word) : parseWhole(word, format),
