@@ -605,6 +605,7 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
     link.line.devices = {name.toStdString()};
     add("value", "6:12");
     add("word", "7:100", 2, Access::WRITE);
+    add("more", "7:110", 2, Access::WRITE);
     start();
     ASSERT_TRUE(readAll());
     loop->close("test");
@@ -614,7 +615,7 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
     for (const char *how : {"2:silent", "2:none"}) { // while an answer is waited for, and while not
         SCOPED_TRACE(how);
         fault(how);
-        runner.post([this](CommunicationLoop &) { write("word", "5"); });
+        runner.post([this](CommunicationLoop &) { write("word", "5") && write("more", "5"); });
         QThread::msleep(how == std::string("2:silent") ? 5 : 100);
         taken(Event::PORT);
         auto next = std::make_unique<SimulatedPlc>(threeStations());
@@ -628,13 +629,15 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
         runner.post([this](CommunicationLoop &) { write("word", "6"); });
         QThread::msleep(50);
         EXPECT_EQ(taken(Event::WRITE), how == std::string("2:silent")
-                                           ? "word=5 failed\nword=6 refused\n"
-                                           : "word=5 done\nword=6 refused\n");
+                                           ? "word=5 failed\nmore=5 failed\nword=6 refused\n"
+                                           : "word=5 done\nmore=5 done\nword=6 refused\n");
         QFile::remove(name);
         QFile::link(plc->device(), name);
         while (!loop->status().isPortOpen() && Clock::now() < end)
             QThread::msleep(1);
         QThread::msleep(100);
+        EXPECT_EQ(plc->holdingRegisters(2).at(100), 45266); // nothing is carried out later
+        EXPECT_EQ(plc->holdingRegisters(2).at(110), 54000);
         EXPECT_EQ(value("value"), "good 38536");
         const std::string events = taken(Event::PORT);
         EXPECT_NE(events.find(" lost\n" + name.toStdString() + " not there\n"

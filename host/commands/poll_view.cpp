@@ -10,12 +10,17 @@
 namespace
 {
 
-std::string exceptionsText(const StationCounters &counters)
+TextTable::Row rowOf(const StationStatus &status)
 {
-    std::string text;
-    for (const auto &[code, count] : counters.exceptions)
-        text += (text.empty() ? "" : ", ") + std::to_string(count) + " x " + exceptionText(code);
-    return text.empty() ? "-" : text;
+    const StationCounters &counters = status.counters;
+    TextTable::Row row = {std::to_string(status.station), status.isOn ? "on" : "off"};
+    for (const StationCounters::Count count :
+         {counters.sent, counters.good, counters.noReply, counters.badCrc, counters.wrongLength,
+          counters.retries, counters.givenUp})
+        row.push_back(std::to_string(count));
+    row.push_back(thousandths(counters.meanResponse().count()));
+    row.push_back(thousandths(counters.worstResponse.count()));
+    return row;
 }
 
 } // namespace
@@ -53,33 +58,24 @@ std::string textOf(const Event &event)
 
 std::vector<std::string> stationTable(const LinkRow &link, size_t width)
 {
-    const auto has = [&link](auto isSo) {
-        return std::any_of(link.stations.begin(), link.stations.end(),
-                           [&](const StationStatus &status) { return isSo(status.counters); });
-    };
-    const bool hasCollisions = has([](const StationCounters &c) { return c.collisions > 0; });
-    const bool hasExceptions = has([](const StationCounters &c) { return !c.exceptions.empty(); });
+    const bool hasCollisions =
+        std::any_of(link.stations.begin(), link.stations.end(),
+                    [](const StationStatus &status) { return status.counters.collisions > 0; });
     TextTable::Row headings = {"station", "is",      "sent",     "good", "no reply", "bad CRC",
                                "length",  "retries", "given up", "mean", "worst"};
     if (hasCollisions)
         headings.emplace_back("collisions");
-    if (hasExceptions)
-        headings.emplace_back("exceptions");
     TextTable table(headings);
     for (const StationStatus &status : link.stations) {
-        const StationCounters &counters = status.counters;
-        TextTable::Row row = {std::to_string(status.station), status.isOn ? "on" : "off"};
-        for (const StationCounters::Count count :
-             {counters.sent, counters.good, counters.noReply, counters.badCrc, counters.wrongLength,
-              counters.retries, counters.givenUp})
-            row.push_back(std::to_string(count));
-        row.push_back(thousandths(counters.meanResponse().count()));
-        row.push_back(thousandths(counters.worstResponse.count()));
+        TextTable::Row row = rowOf(status);
         if (hasCollisions)
-            row.push_back(std::to_string(counters.collisions));
-        if (hasExceptions)
-            row.push_back(exceptionsText(counters));
+            row.push_back(std::to_string(status.counters.collisions));
         table.add(row);
     }
-    return table.lines(width);
+    std::vector<std::string> lines = table.lines(width);
+    for (const StationStatus &status : link.stations)
+        for (const auto &[code, count] : status.counters.exceptions)
+            lines.push_back("station " + std::to_string(status.station) + ": "
+                            + std::to_string(count) + " x " + exceptionText(code));
+    return lines;
 }

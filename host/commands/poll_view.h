@@ -54,6 +54,6 @@ std::string timeText();
 /// "pump.speed = 5: failed: no answer" and so on.
 std::string textOf(const Event &event);
 
-/// The stations' rows under their headings; response times are milliseconds. What is seldom, collisions
-/// and exceptions, has a column only where there was one.
+/// The stations' rows under their headings; response times are milliseconds, and collisions have a
+/// column only where there was one. Exceptions by their names follow.
 std::vector<std::string> stationTable(const LinkRow &link, size_t width);
