@@ -612,36 +612,37 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
 
     LinkRunner runner(*loop);
     runner.start();
-    for (const char *how : {"2:silent", "2:none"}) { // while an answer is waited for, and while not
-        SCOPED_TRACE(how);
-        fault(how);
+    const auto waitFor = [](const auto &condition) {
+        const Clock::time_point end = Clock::now() + milliseconds(10000);
+        while (!condition() && Clock::now() < end)
+            QThread::msleep(1);
+        return condition();
+    };
+    for (const bool isAwaited : {true, false}) { // an answer, at the moment
+        SCOPED_TRACE(isAwaited);
+        fault(isAwaited ? "2:silent" : "2:none");
         runner.post([this](CommunicationLoop &) { write("word", "5") && write("more", "5"); });
-        QThread::msleep(how == std::string("2:silent") ? 5 : 100);
+        ASSERT_TRUE(waitFor([&] { return isAwaited ? requestsTo(2) > 0 : runner.isIdle(); }));
         taken(Event::PORT);
         auto next = std::make_unique<SimulatedPlc>(threeStations());
         ASSERT_NE(next->device(), plc->device());
         plc = std::move(next); // the old one hangs up
-        const Clock::time_point end = Clock::now() + milliseconds(3000);
-        while (loop->status().isPortOpen() && Clock::now() < end)
-            QThread::msleep(1);
-        ASSERT_FALSE(loop->status().isPortOpen());
+        ASSERT_TRUE(waitFor([this] { return !loop->status().isPortOpen(); }));
         EXPECT_EQ(value("value").substr(0, 11), "stale 38536");
         runner.post([this](CommunicationLoop &) { write("word", "6"); });
-        QThread::msleep(50);
-        EXPECT_EQ(taken(Event::WRITE), how == std::string("2:silent")
-                                           ? "word=5 failed\nmore=5 failed\nword=6 refused\n"
-                                           : "word=5 done\nmore=5 done\nword=6 refused\n");
+        ASSERT_TRUE(waitFor([&] { return runner.isIdle(); }));
+        EXPECT_EQ(taken(Event::WRITE), isAwaited ? "word=5 failed\nmore=5 failed\nword=6 refused\n"
+                                                 : "word=5 done\nmore=5 done\nword=6 refused\n");
+        const std::string missing = name.toStdString() + " not there";
+        ASSERT_TRUE(waitFor(
+            [&] { return loop->status().portText().find("no such device") != std::string::npos; }));
         QFile::remove(name);
         QFile::link(plc->device(), name);
-        while (!loop->status().isPortOpen() && Clock::now() < end)
-            QThread::msleep(1);
-        QThread::msleep(100);
+        EXPECT_TRUE(waitFor([this] { return value("value") == "good 38536"; }));
         EXPECT_EQ(plc->holdingRegisters(2).at(100), 45266); // nothing is carried out later
         EXPECT_EQ(plc->holdingRegisters(2).at(110), 54000);
-        EXPECT_EQ(value("value"), "good 38536");
         const std::string events = taken(Event::PORT);
-        EXPECT_NE(events.find(" lost\n" + name.toStdString() + " not there\n"
-                              + plc->device().toStdString() + " open\n"),
+        EXPECT_NE(events.find(" lost\n" + missing + "\n" + plc->device().toStdString() + " open\n"),
                   std::string::npos)
             << events;
     }
