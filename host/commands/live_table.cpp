@@ -46,11 +46,16 @@ LiveTable::LiveTable()
 
 LiveTable::~LiveTable()
 {
-    leave();
+    giveTerminalBack();
 }
 
 // At once: whoever does not want to wait for the end of an exchange gets the terminal in good order.
 void LiveTable::leave()
+{
+    giveTerminalBack();
+}
+
+void LiveTable::giveTerminalBack()
 {
     if (!m_isShown)
         return;

@@ -19,6 +19,7 @@ public:
     void finish(const Snapshot &snapshot) override;
 
 private:
+    void giveTerminalBack();
     std::vector<std::string> linesOf(const Snapshot &snapshot, size_t rows, size_t columns) const;
 
     bool m_isShown = true;          // on a screen of its own

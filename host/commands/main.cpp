@@ -33,10 +33,9 @@ void checkNegativeNumbers(int argc, char *argv[])
             text.size() > 1 && text[0] == '-' && text.find_first_of("0123456789.", 1) == 1;
         const bool isOption = text == "-0" || (text == "-1" && std::string(argv[1]) == "read");
         if (isNumber && !isOption)
-            throw std::invalid_argument("\"" + text
-                                        + "\": a negative value goes behind --, as in: panelhost "
-                                          "write DEVICE -r 101 -t 4:s16 -- "
-                                        + text);
+            throw std::invalid_argument(text
+                                        + ": a negative value goes behind --, as in: panelhost "
+                                          "write DEVICE -r 101 -t 4:s16 -- -12");
     }
 }
 
