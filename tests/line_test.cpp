@@ -246,7 +246,7 @@ TEST(Line, AnswerFilter)
 namespace
 {
 
-/// When each request was sent, by the host's clock.
+/// When each request was sent, by the host's clock, or a little earlier.
 struct Stamps : LineTap {
     void sent(const std::string &, const QByteArray &) override { times.push_back(Clock::now()); }
     void received(const std::string &, const QByteArray &) override {}

@@ -387,9 +387,18 @@ TEST_F(LoopTest, MoreWritesThanATurnsBurst)
     for (int i = 0; i < 17; ++i)
         add(std::to_string(i).c_str(), ("7:" + std::to_string(10 * i)).c_str(), 1, Access::WRITE);
     start(); // nothing to read: after each five writes a turn has nothing to send
-    for (int i = 0; i < 17; ++i)
-        EXPECT_TRUE(write(std::to_string(i).c_str(), "7"));
-    EXPECT_TRUE(writeAll());
+    loop->close("test");
+    LinkRunner runner(*loop);
+    runner.start();
+    runner.post([this](CommunicationLoop &) {
+        for (int i = 0; i < 17; ++i)
+            EXPECT_TRUE(write(std::to_string(i).c_str(), "7"));
+    });
+    const Clock::time_point end = Clock::now() + milliseconds(3000);
+    while (!runner.isIdle() && Clock::now() < end)
+        QThread::msleep(1);
+    EXPECT_TRUE(runner.isIdle());
+    runner.stop();
     for (size_t i = 0; i < 17; ++i)
         EXPECT_EQ(plc->holdingRegisters(1).at(10 * i), 7);
 }

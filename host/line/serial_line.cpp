@@ -58,9 +58,9 @@ void SerialLine::settle()
 // The system takes the bytes at once; the wire needs its time for them.
 void SerialLine::send(const QByteArray &frame)
 {
+    m_taps.sent(frame);
     m_port.write(frame);
     m_lastByte = Clock::now() + wireTime(m_settings, frame.size());
-    m_taps.sent(frame);
 }
 
 Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, AnswerFilter &filter)
