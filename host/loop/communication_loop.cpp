@@ -248,9 +248,10 @@ void CommunicationLoop::close(const std::string &why)
 void CommunicationLoop::clearWrites(Verdict::Kind kind, const std::string &why)
 {
     restartProbes();
-    if (m_isUnderWay)
-        giveUpUnsent(*m_driver->ComCommunication(),
-                     {kind, 0, false, why + "; whether it was carried out is not known"});
+    if (m_isUnderWay) {
+        const Protocol request = *m_driver->ComCommunication(); // gone once it is given up
+        giveUpUnsent(request, {kind, 0, false, why + "; whether it was carried out is not known"});
+    }
     m_absence = {kind, 0, false, why + " before it was sent"};
     for (int i = 0; i < MAX_CLEARING_TURNS && queuedWrites() > 0; ++i)
         turn();
