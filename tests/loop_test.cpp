@@ -434,6 +434,8 @@ TEST_F(LoopTest, NoWriteWaitsForADeadStation)
         EXPECT_TRUE(write(name, "5"));
     EXPECT_TRUE(writeAll());
     EXPECT_EQ(taken(Event::WRITE), "a=5 failed\nb=5 failed\none=5 done\n");
+    for (const SeenRequest &request : plc->requests()) // the byte was not tried, as a probe for one
+        EXPECT_NE(hexText(request.frame.left(4)), "02 03 00 96");
     EXPECT_FALSE(write("a", "6"));
     EXPECT_EQ(taken(Event::WRITE), "a=6 refused\n");
     const std::vector<uint16_t> memory = plc->holdingRegisters(2);
