@@ -64,9 +64,7 @@ QJsonObject stationObject(const LinkRow &link, const StationStatus &status)
 void JsonView::show(const Snapshot &snapshot)
 {
     for (const ValueRow &row : snapshot.values) {
-        // Before the first attempt there is nothing to say.
-        if (row.state.freshness == Freshness::NEVER_READ
-            && row.state.refusal.kind == Verdict::NOT_SENT)
+        if (!isTried(row))
             continue;
         const std::string state = row.text + stateText(row.state);
         std::string &shown = m_shown[row.variable.name];

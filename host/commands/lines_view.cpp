@@ -17,9 +17,7 @@ const std::chrono::seconds SHORTEST_INTERVAL(1); // between two values of one va
 void LinesView::show(const Snapshot &snapshot)
 {
     for (const ValueRow &row : snapshot.values) {
-        // Before the first attempt there is nothing to say.
-        if (row.state.freshness == Freshness::NEVER_READ
-            && row.state.refusal.kind == Verdict::NOT_SENT)
+        if (!isTried(row))
             continue;
         Shown &shown = m_shown[row.variable.name];
         const std::string state = stateText(row.state);

@@ -118,20 +118,3 @@ void OneShotLoop::tell(const Event &event)
     if (event.kind == Event::PORT && event.state == PORT_LOST)
         m_portError = event.detail;
 }
-
-int exitStatusOf(Verdict::Kind kind)
-{
-    if (kind == Verdict::GOOD)
-        return EXIT_GOOD;
-    if (kind == Verdict::PORT_GONE)
-        return EXIT_PORT;
-    return kind == Verdict::EXCEPTION ? EXIT_REFUSED : EXIT_SILENT;
-}
-
-int exitStatusOf(const Event &write)
-{
-    if (write.state == WRITE_REFUSED && write.cause == Verdict::GOOD)
-        return EXIT_REFUSED;
-    const bool isBad = write.state == WRITE_REFUSED || write.state == WRITE_FAILED;
-    return isBad ? exitStatusOf(write.cause) : EXIT_GOOD;
-}

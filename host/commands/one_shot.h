@@ -55,9 +55,3 @@ private:
     std::string m_portError;
     CommunicationLoop m_loop;
 };
-
-/// What the program's exit status says of a failure. EXIT_GOOD for GOOD.
-int exitStatusOf(Verdict::Kind kind);
-
-/// Of the news of a write.
-int exitStatusOf(const Event &write);

@@ -5,7 +5,6 @@
 #include "host/commands/lines_view.h"
 #include "host/commands/live_table.h"
 #include "host/commands/numbers.h"
-#include "host/commands/one_shot.h"
 
 #include <unistd.h>
 

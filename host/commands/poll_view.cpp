@@ -25,6 +25,12 @@ TextTable::Row rowOf(const StationStatus &status)
 
 } // namespace
 
+bool isTried(const ValueRow &row)
+{
+    return row.state.freshness != Freshness::NEVER_READ
+           || row.state.refusal.kind != Verdict::NOT_SENT;
+}
+
 std::string ageText(const ValueState &state)
 {
     return state.age ? thousandths(state.age->count()) + " s" : "-";

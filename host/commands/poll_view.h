@@ -42,6 +42,9 @@ public:
     virtual void finish(const Snapshot &snapshot) = 0;
 };
 
+/// True once the variable was read, or could not be: before that there is nothing to say.
+bool isTried(const ValueRow &row);
+
 /// "2.5 s", "-" without an age.
 std::string ageText(const ValueState &state);
 

@@ -4,8 +4,8 @@
 #include <QByteArray>
 
 /// Drops what is no part of the answer: frames of other stations and functions, late answers of
-/// another length or, to a write, of other registers, and noise. What the driver would judge a bad answer (a wrong checksum, a cut frame)
-/// is an answer here.
+/// another length or, to a write, of other registers, and noise. What the driver would judge a bad
+/// answer (a wrong checksum, a cut frame) is an answer here.
 class AnswerFilter
 {
 public:

@@ -16,8 +16,8 @@ struct LineSettings {
     int replyTimeout = 500; ///< milliseconds from the request's last byte to the answer's first
     int byteTimeout = 50;   ///< milliseconds between two bytes; USB adapters batch them every 16 ms
     std::optional<int> guardTime; ///< milliseconds of rest after a time-out; else replyTimeout
-    int silenceFloor =
-        0; ///< microseconds of silence before a request, where 3.5 characters are less
+    /// Microseconds of silence before a request, where 3.5 characters are less.
+    int silenceFloor = 0;
     Rs485 rs485 = Rs485::OFF;
     bool echo = false; ///< the adapter returns what is sent
 

@@ -26,14 +26,18 @@ const std::vector<std::string> variableKeys = {"name",   "station", "kind",  "ad
                                                "format", "count",   "access"};
 
 // A name stands before "=" in a write and in a line of its own in what is printed.
-void checkName(const Fields &fields, const std::string &name)
+std::string readName(const Fields &fields, const char *what, std::set<std::string> &known)
 {
+    std::string name = fields.requiredText("name");
     for (const char character : name) {
         const int code = static_cast<unsigned char>(character);
         if (code <= ' ' || code == '=' || code == 127)
             fields.fail("name",
                         "\"" + name + "\" holds a space, a \"=\" or what cannot be printed");
     }
+    if (!known.insert(name).second)
+        fields.fail("name", std::string("there is another ") + what + " \"" + name + "\"");
+    return name;
 }
 
 LineSettings readLine(const Fields &fields)
@@ -87,10 +91,7 @@ private:
     {
         const Fields fields(m_path, table, "a link", linkKeys);
         Link link;
-        link.name = fields.requiredText("name");
-        checkName(fields, link.name);
-        if (!m_linkNames.insert(link.name).second)
-            fields.fail("name", "there is another link \"" + link.name + "\"");
+        link.name = readName(fields, "link", m_linkNames);
         link.line = readLine(fields);
         for (const std::string &device : link.line.devices)
             if (!m_devices.insert(device).second)
@@ -113,10 +114,7 @@ private:
     {
         const Fields fields(m_path, table, "a variable", variableKeys);
         Variable variable;
-        variable.name = fields.requiredText("name");
-        checkName(fields, variable.name);
-        if (!m_variableNames.insert(variable.name).second)
-            fields.fail("name", "there is another variable \"" + variable.name + "\"");
+        variable.name = readName(fields, "variable", m_variableNames);
         variable.station = fields.number("station", 1, HIGHEST_STATION, variable.station);
         variable.address = fields.requiredAddress("address");
         variable.count = fields.number("count", 1, 1024, variable.count);

@@ -1,6 +1,7 @@
 #include "host/plc/simulated_plc.h"
 
 #include "host/line/crc16.h"
+#include "host/line/replies.h"
 
 #include <fcntl.h>
 #include <modbus.h>
@@ -131,11 +132,6 @@ void makeRaw(int slave)
 }
 
 // --- Frames ---
-
-int byteAt(const QByteArray &frame, int index)
-{
-    return static_cast<unsigned char>(frame.at(index));
-}
 
 QByteArray withCrc(const QByteArray &bytes)
 {
@@ -607,15 +603,6 @@ std::vector<uint16_t> SimulatedPlc::holdingRegisters(int station) const
     const std::lock_guard<std::mutex> lock(m_mutex);
     const modbus_mapping_t &memory = *stationOf(station).memory;
     return {memory.tab_registers, memory.tab_registers + memory.nb_registers};
-}
-
-void SimulatedPlc::setHoldingRegister(int station, int number, uint16_t value)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    const modbus_mapping_t &memory = *stationOf(station).memory;
-    if (number < 0 || number >= memory.nb_registers)
-        throw std::out_of_range("there is no holding register " + std::to_string(number));
-    memory.tab_registers[number] = value;
 }
 
 std::vector<SeenRequest> SimulatedPlc::requests() const

@@ -57,8 +57,6 @@ public:
     /// Copies of its memory: register n stands at index n.
     std::vector<uint16_t> inputRegisters(int station) const;
     std::vector<uint16_t> holdingRegisters(int station) const;
-    /// 0 <= number < size of the memory.
-    void setHoldingRegister(int station, int number, uint16_t value);
 
     /// All requests so far, oldest first; the oldest are forgotten beyond 100,000.
     std::vector<SeenRequest> requests() const;
