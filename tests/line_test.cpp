@@ -364,7 +364,7 @@ TEST(Line, PortsThatCannotBeOpened)
         {"/dev/none", Rs485::OFF,
          "serial port /dev/none cannot be opened: there is no such device"},
         {"/dev/null", Rs485::OFF, "it is no serial port"},
-        {nullptr, Rs485::RTS_ON_SEND, "does not switch the RS-485 direction (Inappropriate ioctl"},
+        {nullptr, Rs485::RTS_ON_SEND, "does not switch the RS-485 direction ("},
         {nullptr, Rs485::RTS_AFTER_SEND, "leave rs485 out"},
     };
     for (const auto &row : rows) {

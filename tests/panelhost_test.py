@@ -1,12 +1,15 @@
 """The program panelhost as its users run it, against slaves and tools that others wrote.
 
     panelhost_test.py PANELHOST [TEST...]
+
+VELKO_LAUNCHER in the environment is a command that starts PANELHOST, such as an emulator.
 """
 import json
 import os
 import pty
 import re
 import select
+import shlex
 import signal
 import subprocess
 import sys
@@ -20,12 +23,12 @@ from pymodbus.datastore import ModbusSequentialDataBlock, ModbusServerContext, M
 from pymodbus.server.async_io import StartSerialServer
 from pymodbus.transaction import ModbusRtuFramer
 
-PANELHOST = ""
+PANELHOST = []  # the launcher's words and the program's path
 LIMIT = 30  # seconds for any program
 
 
 def run(*arguments, stdin=""):
-    return subprocess.run([PANELHOST, *arguments], input=stdin, capture_output=True, text=True, timeout=LIMIT)
+    return subprocess.run([*PANELHOST, *arguments], input=stdin, capture_output=True, text=True, timeout=LIMIT)
 
 
 def wait_for(condition, what):
@@ -40,7 +43,7 @@ class Simulator:
     """panelhost simulate, whose device is self.device."""
 
     def __init__(self, *arguments):
-        self.process = subprocess.Popen([PANELHOST, "simulate", "--baud", "0", *arguments], text=True,
+        self.process = subprocess.Popen([*PANELHOST, "simulate", "--baud", "0", *arguments], text=True,
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self.device = self.process.stdout.readline().split()[1]
 
@@ -60,7 +63,7 @@ class Poll:
     """panelhost poll --json: its lines as objects."""
 
     def __init__(self, path, *arguments):
-        self.process = subprocess.Popen([PANELHOST, "poll", path, "--json", *arguments], text=True,
+        self.process = subprocess.Popen([*PANELHOST, "poll", path, "--json", *arguments], text=True,
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self.seen = []
         self.thread = threading.Thread(target=self.collect)
@@ -287,5 +290,5 @@ class PanelhostTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    PANELHOST = sys.argv.pop(1)
+    PANELHOST = [*shlex.split(os.environ.get("VELKO_LAUNCHER", "")), sys.argv.pop(1)]
     unittest.main(verbosity=2)

@@ -570,7 +570,7 @@ uint64_t SimulatedPlc::note(const Request &request)
 void SimulatedPlc::noteEnd(uint64_t entry)
 {
     if (entry >= m_forgotten)
-        m_requests[entry - m_forgotten].end = Clock::now();
+        m_requests[static_cast<size_t>(entry - m_forgotten)].end = Clock::now();
 }
 
 SimulatedPlc::Station &SimulatedPlc::stationOf(int number) const
