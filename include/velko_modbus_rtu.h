@@ -45,6 +45,8 @@
 //     byte kinds         "n": byte n; bytes 2r and 2r + 1 are register r, 2r being its low byte
 //     word kinds         "n": register n
 //     double-word kinds  "n": registers 2n and 2n + 1
+//   Digits are those of the "C" locale and of the application's default one (QLocale), as Qt 4
+//   reads numbers; no group separators.
 //   A text that is no 32-bit number counts as 0, which is a valid address: "abc" and "99999999999"
 //   name register 0; so does each part of a bit address ("3." is "3.0"). A host that takes texts
 //   from people checks them itself. Refused are addresses that come out negative, whose linear

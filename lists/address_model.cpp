@@ -1,6 +1,7 @@
 #include "lists/address_model.h"
 
 #include "driver/variable_kinds.h"
+#include "lists/decimal_number.h"
 #include "velko_modbus_rtu.h"
 
 #include <QStringList>
@@ -28,7 +29,7 @@ int bitOffset(const QString &text)
     const QStringList parts = text.split(QLatin1Char('.'));
     if (parts.size() != 2)
         return INVALID_ADDRESS;
-    return withinInt(parts.at(0).toInt() * BYTE_BITS + parts.at(1).toInt());
+    return withinInt(decimalNumber(parts.at(0)) * BYTE_BITS + decimalNumber(parts.at(1)));
 }
 
 qint64 registerCount(WidthClass width, int offset, qint64 length)
@@ -53,11 +54,11 @@ int StringAddressToInt(int kind, const QString &text)
     case WIDTH_BIT:
         return bitOffset(text);
     case WIDTH_BYTE:
-        return text.toInt();
+        return decimalNumber(text);
     case WIDTH_WORD:
-        return withinInt(text.toInt() * WORD_BYTES);
+        return withinInt(decimalNumber(text) * WORD_BYTES);
     case WIDTH_DWORD:
-        return withinInt(text.toInt() * DWORD_BYTES);
+        return withinInt(decimalNumber(text) * DWORD_BYTES);
     default:
         return INVALID_ADDRESS;
     }

@@ -2,6 +2,7 @@
 #include "tests/driver_under_test.h"
 
 #include <QFile>
+#include <QLocale>
 #include <QTemporaryDir>
 
 #include <dlfcn.h>
@@ -110,6 +111,33 @@ TEST_F(LibraryTest, SetUpCalls)
     EXPECT_EQ(*static_cast<void **>(driver.symbol("LB")), &targets[0]);
     EXPECT_EQ(*static_cast<void **>(driver.symbol("LW")), &targets[1]);
     EXPECT_EQ(*static_cast<void **>(driver.symbol("RWI")), &targets[2]);
+}
+
+TEST_F(LibraryTest, AddressesAreReadInTheApplicationsLocaleToo)
+{
+    const struct {
+        const char *locale;
+        int kind;
+        const char *text;
+        int offset;
+    } rows[] = {
+        {"C", KIND_HOLDING_WORD, "\u0661\u0662", 0},
+        {"ar_EG", KIND_HOLDING_WORD, "\u0661\u0662", 24},
+        {"ar_EG", KIND_HOLDING_BIT, "\u0663.\u0665", 29},
+        {"ar_EG", KIND_HOLDING_DWORD, "12", 48},
+        {"ar_EG", KIND_HOLDING_BYTE, "abc", 0},
+        {"ar_EG", KIND_HOLDING_BYTE, "\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669",
+         0},
+        {"sv_SE", KIND_HOLDING_WORD, "-4", -8},
+        {"en_US", KIND_HOLDING_BYTE, "1,500", 0}, // no group separators
+        {"de_DE", KIND_HOLDING_BYTE, "1.500", 0},
+    };
+    for (const auto &row : rows) {
+        QLocale::setDefault(QLocale(row.locale));
+        EXPECT_EQ(driver.PLCAddressChangeIntef(row.kind, QString::fromUtf8(row.text)), row.offset)
+            << row.locale << " " << row.text;
+    }
+    QLocale::setDefault(QLocale::c());
 }
 
 TEST_F(LibraryTest, CallbacksThatAreNotRegisteredAreNotCalled)
