@@ -271,7 +271,7 @@ class PanelhostTest(unittest.TestCase):
                              + second.replace('"l"', '"m"'))
             result = run("poll", path, "--cycles", "3", "--set", "a=1", "--set", "none=1")
             self.assert_ends(result, 6, "a = 41359  (good)", "b = 38536  (good)", "2 of 2 values are good.",
-                             "a = 1: refused: it is read only", "none=1: refused: there is no variable")
+                             "Link l, station 1 answered", "Link m, station 2 answered", "a = 1: refused: it is read only", "none=1: refused: there is no variable")
 
     def test_capture_and_trace(self):
         capture = os.path.join(self.folder.name, "x.pcap")

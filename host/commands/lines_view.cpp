@@ -53,13 +53,12 @@ void LinesView::finish(const Snapshot &snapshot)
 namespace
 {
 
-std::string sentenceOn(const StationStatus &status)
+std::string sentenceOn(const std::string &station, const StationStatus &status)
 {
     const StationCounters &counters = status.counters;
-    std::string text = "Station " + std::to_string(status.station) + " answered "
-                       + std::to_string(counters.good) + " of " + std::to_string(counters.sent)
-                       + " requests well, after " + thousandths(counters.meanResponse().count())
-                       + " ms on average.";
+    std::string text = station + " answered " + std::to_string(counters.good) + " of "
+                       + std::to_string(counters.sent) + " requests well, after "
+                       + thousandths(counters.meanResponse().count()) + " ms on average.";
     if (status.timesOff == 0)
         return text;
     const auto time = std::chrono::duration_cast<milliseconds>(status.timeOff).count();
@@ -112,9 +111,12 @@ std::vector<std::string> summaryOf(const Snapshot &snapshot)
     const std::vector<std::string> links = linkTables(snapshot, WIDEST);
     lines.insert(lines.end(), links.begin(), links.end());
     lines.push_back("");
-    for (const LinkRow &link : snapshot.links)
+    for (const LinkRow &link : snapshot.links) {
+        const std::string name =
+            snapshot.links.size() > 1 ? "Link " + link.name + ", station " : "Station ";
         for (const StationStatus &status : link.stations)
-            lines.push_back(sentenceOn(status));
+            lines.push_back(sentenceOn(name + std::to_string(status.station), status));
+    }
     lines.push_back(sentenceOn(snapshot.values));
     return lines;
 }

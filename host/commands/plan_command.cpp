@@ -11,7 +11,7 @@ PlanCommand::PlanCommand(CLI::App &program)
     : Command(
         program, "plan",
         "Shows which requests the variables of a file become and what they cost; sends nothing."),
-      m_library(builtLibrary())
+      m_library(driverFile())
 {
     m_options.add_option("file", m_file, "file of links and variables")->required();
     m_options.add_option("--library", m_library, "the driver's file")->capture_default_str();

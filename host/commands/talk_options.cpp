@@ -4,19 +4,15 @@
 
 #include <filesystem>
 
-namespace
-{
-
-const char *const LIBRARY_NAME = "libVelko_Modbus_RTU.so.1";
-
-} // namespace
-
-std::string builtLibrary()
+std::string driverFile()
 {
     namespace fs = std::filesystem;
     const fs::path folder(QCoreApplication::applicationDirPath().toStdString());
-    const fs::path beside = folder / LIBRARY_NAME;
-    return fs::exists(beside) ? beside.string() : (folder.parent_path() / LIBRARY_NAME).string();
+    for (const fs::path &place : {folder, folder.parent_path()}) {
+        if (fs::exists(place / DRIVER_NAME))
+            return (place / DRIVER_NAME).string();
+    }
+    return (folder / LIBRARIES_FROM_PROGRAMS / DRIVER_NAME).lexically_normal().string();
 }
 
 TapOptions::TapOptions(CLI::App &options)
@@ -52,7 +48,7 @@ void TapOptions::finish()
         m_capture->finish();
 }
 
-TalkOptions::TalkOptions(CLI::App &options) : TapOptions(options), m_library(builtLibrary())
+TalkOptions::TalkOptions(CLI::App &options) : TapOptions(options), m_library(driverFile())
 {
     options.add_option("--library", m_library, "the driver's file")->capture_default_str();
 }

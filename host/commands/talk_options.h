@@ -8,8 +8,9 @@
 
 #include <memory>
 
-/// The driver's file as the program finds it: beside itself or, in a build tree, one folder up.
-std::string builtLibrary();
+/// The driver's file as the program finds it: beside itself, one folder up (in a build tree) or, once
+/// installed, in the folder of libraries.
+std::string driverFile();
 
 /// --trace and --pcap.
 class TapOptions

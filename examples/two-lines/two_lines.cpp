@@ -1,0 +1,189 @@
+// Two serial lines on one panel: each has a copy of the driver of its own, in one process.
+//
+//   two_lines LIBRARY DEVICE DEVICE
+//
+// On each line it writes holding register 100 of station 1, another value on each, and reads the
+// registers 100 to 103 for two seconds.
+#include <velko_modbus_rtu.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QSerialPort>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+
+// A loaded copy of the driver. The loader gives one file only once, so each line loads a copy of the
+// file; linked hosts, or two handles of the same file, would share one set of lists and values.
+class DriverCopy
+{
+public:
+    explicit DriverCopy(const QString &library) : m_handle(loadCopy(library))
+    {
+        resolve(SetComInfo, "SetComInfo");
+        resolve(ReCreatReadVarList, "ReCreatReadVarList");
+        resolve(ComCommunication, "ComCommunication");
+        resolve(DataCom, "DataCom");
+        resolve(GetRegisterData, "GetRegisterData");
+        resolve(SetRegisterData, "SetRegisterData");
+    }
+    ~DriverCopy() { dlclose(m_handle); }
+    Q_DISABLE_COPY(DriverCopy)
+
+    decltype(&::SetComInfo) SetComInfo;
+    decltype(&::ReCreatReadVarList) ReCreatReadVarList;
+    decltype(&::ComCommunication) ComCommunication;
+    decltype(&::DataCom) DataCom;
+    decltype(&::GetRegisterData) GetRegisterData;
+    decltype(&::SetRegisterData) SetRegisterData;
+
+private:
+    static void *loadCopy(const QString &library)
+    {
+        const QTemporaryDir folder; // goes with its file, which needs no name once it is loaded
+        const QString copy = folder.filePath("driver.so");
+        if (!QFile::copy(library, copy))
+            throw std::runtime_error("cannot copy " + library.toStdString());
+        void *const handle = dlopen(qPrintable(copy), RTLD_NOW | RTLD_LOCAL);
+        if (!handle)
+            throw std::runtime_error(dlerror());
+        return handle;
+    }
+
+    template <typename Function> void resolve(Function &function, const char *name)
+    {
+        function = reinterpret_cast<Function>(dlsym(m_handle, name));
+        if (!function)
+            throw std::runtime_error(std::string("the driver lacks ") + name);
+    }
+
+    void *m_handle;
+};
+
+// One line: its port, its copy of the driver and the one thread that talks.
+class Line : public QThread
+{
+public:
+    Line(const QString &library, const QString &device) : m_driver(library), m_device(device)
+    {
+        m_info.maxRegs = 100;
+        m_info.defaultStation = 1;
+        m_info.retryLimit = 2;
+        m_info.commMode = COMM_DEVICE;
+        m_driver.SetComInfo(&m_info);
+        VAR_ITEM item;
+        item.kind = KIND_HOLDING_WORD;
+        item.addrText = "100";
+        item.length = 4;
+        const QList<VAR_ITEM> items = {item};
+        m_driver.ReCreatReadVarList(&items);
+    }
+
+    // From any thread: both take the driver's locks.
+    void write(int value)
+    {
+        const char bytes[] = {static_cast<char>(value & 0xFF), static_cast<char>(value >> 8)};
+        const QByteArray registers(bytes, 2); // low byte first
+        m_driver.SetRegisterData("", KIND_HOLDING_WORD, "100", 1, &registers, 1, 1, 0);
+    }
+
+    int read() const
+    {
+        QByteArray value;
+        m_driver.GetRegisterData(0, KIND_HOLDING_WORD, "100", 1, &value, 1);
+        return static_cast<unsigned char>(value.at(0))
+               + 256 * static_cast<unsigned char>(value.at(1));
+    }
+
+    // When the thread has ended.
+    int good() const { return m_good; }
+    int sent() const { return m_sent; }
+    QString error() const { return m_error; }
+
+protected:
+    void run() override
+    {
+        QSerialPort port(m_device);
+        port.setBaudRate(19200);
+        if (!port.open(QIODevice::ReadWrite)) {
+            m_error = port.errorString();
+            return;
+        }
+        QElapsedTimer time;
+        for (time.start(); time.elapsed() < 2000;) {
+            const Protocol *const request = m_driver.ComCommunication();
+            if (!request)
+                continue; // nothing in this turn
+            msleep(5);    // more than the silence of 3.5 characters between two frames
+            const QByteArray reply = exchange(port, request->frame, request->replyLen);
+            ++m_sent;
+            if (m_driver.DataCom(&reply, reply.size())->retCode == RESULT_GOOD)
+                ++m_good;
+        }
+    }
+
+private:
+    static QByteArray exchange(QSerialPort &port, const QByteArray &frame, int replyLength)
+    {
+        port.clear(QSerialPort::Input); // a late answer belongs to nobody
+        port.write(frame);
+        port.waitForBytesWritten(100);
+        QByteArray reply;
+        while (reply.size() < replyLength && port.waitForReadyRead(200))
+            reply += port.read(replyLength - reply.size());
+        return reply;
+    }
+
+    DriverCopy m_driver;
+    ComInfo m_info; // the driver keeps its address
+    QString m_device;
+    QString m_error;
+    int m_sent = 0;
+    int m_good = 0;
+};
+
+namespace
+{
+
+bool report(const Line &line, const char *name)
+{
+    if (!line.error().isEmpty()) {
+        std::fprintf(stderr, "two_lines: %s: %s\n", name, qPrintable(line.error()));
+        return false;
+    }
+    std::printf("%s: register 100 is %d; %d of %d exchanges were good\n", name, line.read(),
+                line.good(), line.sent());
+    return line.good() > 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    if (argc != 4) {
+        std::fprintf(stderr, "usage: two_lines LIBRARY DEVICE DEVICE\n");
+        return 2;
+    }
+    try {
+        Line first(argv[1], argv[2]);
+        Line second(argv[1], argv[3]);
+        first.write(1111);
+        second.write(2222);
+        first.start();
+        second.start();
+        first.wait();
+        second.wait();
+        const bool firstIsGood = report(first, "first line");
+        return report(second, "second line") && firstIsGood ? 0 : 1;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "two_lines: %s\n", error.what());
+        return 1;
+    }
+}
