@@ -117,20 +117,20 @@ TEST_F(LibraryTest, AddressesAreReadInTheApplicationsLocaleToo)
 {
     const struct {
         const char *locale;
-        int kind;
         const char *text;
+        int kind;
         int offset;
     } rows[] = {
-        {"C", KIND_HOLDING_WORD, "\u0661\u0662", 0},
-        {"ar_EG", KIND_HOLDING_WORD, "\u0661\u0662", 24},
-        {"ar_EG", KIND_HOLDING_BIT, "\u0663.\u0665", 29},
-        {"ar_EG", KIND_HOLDING_DWORD, "12", 48},
-        {"ar_EG", KIND_HOLDING_BYTE, "abc", 0},
-        {"ar_EG", KIND_HOLDING_BYTE, "\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669",
+        {"C", "\u0661\u0662", KIND_HOLDING_WORD, 0},
+        {"ar_EG", "\u0661\u0662", KIND_HOLDING_WORD, 24},
+        {"ar_EG", "\u0663.\u0665", KIND_HOLDING_BIT, 29},
+        {"ar_EG", "12", KIND_HOLDING_DWORD, 48},
+        {"ar_EG", "abc", KIND_HOLDING_BYTE, 0},
+        {"ar_EG", "\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669", KIND_HOLDING_BYTE,
          0},
-        {"sv_SE", KIND_HOLDING_WORD, "-4", -8},
-        {"en_US", KIND_HOLDING_BYTE, "1,500", 0}, // no group separators
-        {"de_DE", KIND_HOLDING_BYTE, "1.500", 0},
+        {"sv_SE", "-4", KIND_HOLDING_WORD, -8},
+        {"en_US", "1,500", KIND_HOLDING_BYTE, 0}, // no group separators
+        {"de_DE", "1.500", KIND_HOLDING_BYTE, 0},
     };
     for (const auto &row : rows) {
         QLocale::setDefault(QLocale(row.locale));
