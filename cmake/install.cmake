@@ -19,6 +19,7 @@ endif()
 # --- pkg-config ---
 
 file(RELATIVE_PATH prefix_from_pkgconfig /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" prefix_from_pkgconfig ${prefix_from_pkgconfig})
 configure_file(cmake/package/velko_modbus_rtu.pc.in package/velko_modbus_rtu.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/package/velko_modbus_rtu.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -34,6 +34,17 @@ QString timeStamp(const QDateTime &now)
     return now.toString(QLatin1String("yyyy.MM.dd.hh:mm:ss.")) + QString::number(now.time().msec());
 }
 
+// What Qt 4 takes the bytes of a message for: Latin-1, unless the host has set a codec for C strings.
+// Later versions know no such codec.
+QString textOf(const char *message)
+{
+#if QT_VERSION < 0x050000
+    return QString::fromAscii(message);
+#else
+    return QString::fromLatin1(message);
+#endif
+}
+
 } // namespace
 
 void customMessageHandler(QtMsgType, const char *message)
@@ -50,8 +61,7 @@ void customMessageHandler(QtMsgType, const char *message)
     if (!file.open(mode))
         return; // a stream over a closed file would only make Qt complain
     QTextStream stream(&file);
-    // Qt 4 takes the bytes of a message for Latin-1.
-    stream << timeStamp(QDateTime::currentDateTime()) << QLatin1Char(':')
-           << QString::fromLatin1(message) << QLatin1Char('\n');
+    stream << timeStamp(QDateTime::currentDateTime()) << QLatin1Char(':') << textOf(message)
+           << QLatin1Char('\n');
     stream.flush();
 }

@@ -16,6 +16,7 @@
 #include <dlfcn.h>
 
 #include <cstdio>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -33,9 +34,6 @@ public:
         resolve(GetRegisterData, "GetRegisterData");
         resolve(SetRegisterData, "SetRegisterData");
     }
-    ~DriverCopy() { dlclose(m_handle); }
-    Q_DISABLE_COPY(DriverCopy)
-
     decltype(&::SetComInfo) SetComInfo;
     decltype(&::ReCreatReadVarList) ReCreatReadVarList;
     decltype(&::ComCommunication) ComCommunication;
@@ -44,13 +42,16 @@ public:
     decltype(&::SetRegisterData) SetRegisterData;
 
 private:
-    static void *loadCopy(const QString &library)
+    typedef std::unique_ptr<void, int (*)(void *)> Handle;
+
+    static Handle loadCopy(const QString &library)
     {
         const QTemporaryDir folder; // goes with its file, which needs no name once it is loaded
         const QString copy = folder.filePath("driver.so");
         if (!QFile::copy(library, copy))
-            throw std::runtime_error("cannot copy " + library.toStdString());
-        void *const handle = dlopen(qPrintable(copy), RTLD_NOW | RTLD_LOCAL);
+            throw std::runtime_error("cannot copy " + library.toStdString() + " to "
+                                     + folder.path().toStdString());
+        Handle handle(dlopen(qPrintable(copy), RTLD_NOW | RTLD_LOCAL), dlclose);
         if (!handle)
             throw std::runtime_error(dlerror());
         return handle;
@@ -58,12 +59,12 @@ private:
 
     template <typename Function> void resolve(Function &function, const char *name)
     {
-        function = reinterpret_cast<Function>(dlsym(m_handle, name));
+        function = reinterpret_cast<Function>(dlsym(m_handle.get(), name));
         if (!function)
             throw std::runtime_error(std::string("the driver lacks ") + name);
     }
 
-    void *m_handle;
+    Handle m_handle;
 };
 
 // One line: its port, its copy of the driver and the one thread that talks.
@@ -96,7 +97,8 @@ public:
     int read() const
     {
         QByteArray value;
-        m_driver.GetRegisterData(0, KIND_HOLDING_WORD, "100", 1, &value, 1);
+        if (m_driver.GetRegisterData(0, KIND_HOLDING_WORD, "100", 1, &value, 1) == 0)
+            throw std::runtime_error("the driver refuses the address");
         return static_cast<unsigned char>(value.at(0))
                + 256 * static_cast<unsigned char>(value.at(1));
     }
@@ -118,13 +120,18 @@ protected:
         QElapsedTimer time;
         for (time.start(); time.elapsed() < 2000;) {
             const Protocol *const request = m_driver.ComCommunication();
-            if (!request)
-                continue; // nothing in this turn
-            msleep(5);    // more than the silence of 3.5 characters between two frames
+            if (!request) {
+                msleep(1); // nothing in this turn
+                continue;
+            }
+            msleep(5); // more than the silence of 3.5 characters between two frames
             const QByteArray reply = exchange(port, request->frame, request->replyLen);
             ++m_sent;
-            if (m_driver.DataCom(&reply, reply.size())->retCode == RESULT_GOOD)
+            const int verdict = m_driver.DataCom(&reply, reply.size())->retCode;
+            if (verdict == RESULT_GOOD)
                 ++m_good;
+            if (verdict != RESULT_WILL_REPEAT)
+                m_info.retryCount = 0; // each request fails for its own failures only
         }
     }
 
@@ -157,9 +164,13 @@ bool report(const Line &line, const char *name)
         std::fprintf(stderr, "two_lines: %s: %s\n", name, qPrintable(line.error()));
         return false;
     }
+    if (line.good() == 0) {
+        std::fprintf(stderr, "two_lines: %s: station 1 does not answer\n", name);
+        return false;
+    }
     std::printf("%s: register 100 is %d; %d of %d exchanges were good\n", name, line.read(),
                 line.good(), line.sent());
-    return line.good() > 0;
+    return true;
 }
 
 } // namespace
