@@ -98,6 +98,12 @@ QList<VAR_ITEM> itemsFrom(const QString &text)
     return items;
 }
 
+int numberFrom(const char *variable, int otherwise)
+{
+    const int number = qEnvironmentVariableIntValue(variable);
+    return number > 0 ? number : otherwise;
+}
+
 QByteArray bytesFrom(const char *hex)
 {
     return QByteArray::fromHex(hex);

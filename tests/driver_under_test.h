@@ -44,5 +44,15 @@ class DriverTest : public ::testing::Test, protected DriverUnderTest
 /// "7:10:2 1:24.3:1": kind, address text and length of each item.
 QList<VAR_ITEM> itemsFrom(const QString &text);
 
+/// Under the sanitizers and in emulation runs are shorter.
+#if defined(__SANITIZE_ADDRESS__) || defined(__arm__)
+const bool SLOW_MACHINE = true;
+#else
+const bool SLOW_MACHINE = false;
+#endif
+
+/// A positive number from the environment, for longer runs than those of the tests.
+int numberFrom(const char *variable, int otherwise);
+
 QByteArray bytesFrom(const char *hex);
 std::string hexFrom(const QByteArray &bytes);

@@ -1,0 +1,253 @@
+#include "tests/checked_line.h"
+
+namespace
+{
+
+const int OWNER_TAG_OF_POLLS = -1;
+
+bool isRmwRead(const RW_VAR &var)
+{
+    return var.rmwMark == -1;
+}
+
+int areaOf(int kind)
+{
+    return AREA_INPUT + kind % 3;
+}
+
+} // namespace
+
+CheckedLine::CheckedLine() : m_store(*static_cast<StationImages *>(driver.symbol("DataStorage")))
+{
+    link.perVarStation = 1;
+}
+
+CheckedLine::Range CheckedLine::rangeOf(const Variable &variable) const
+{
+    const int unitBits[] = {1, 8, 16, 16};
+    const int offset = driver.PLCAddressChangeIntef(variable.kind, variable.address);
+    const int bit = variable.kind < KIND_INPUT_BYTE ? offset : 8 * offset;
+    const int units =
+        variable.length + (variable.kind < KIND_INPUT_DWORD ? 0 : variable.length % 2);
+    return {bit / 16, (bit % 16 + units * unitBits[variable.kind / 3] + 15) / 16};
+}
+
+RW_VAR CheckedLine::recordOf(const Variable &variable, int ownerId, int ownerTag) const
+{
+    RW_VAR record;
+    record.ownerId = ownerId;
+    record.ownerTag = ownerTag;
+    record.areaNo = link.localArea;
+    record.addrText = variable.address;
+    record.varKind = variable.kind;
+    record.station = variable.station;
+    record.count = variable.length;
+    return record;
+}
+
+// --- What the host asks for ---
+
+void CheckedLine::rebuild(const std::vector<Variable> &items)
+{
+    QString list;
+    m_polled = items;
+    for (Variable &item : m_polled) {
+        list += QString(" %1:%2:%3").arg(item.kind).arg(item.address).arg(item.length);
+        item.station = link.defaultStation;
+    }
+    DriverUnderTest::rebuild(qPrintable(list));
+}
+
+void CheckedLine::poll(const Variable &registers)
+{
+    RW_VAR request = recordOf(registers, 0, OWNER_TAG_OF_POLLS);
+    request.varKind = areaOf(registers.kind);
+    request.addr = rangeOf(registers).first;
+    driver.AddListReadVar(&request);
+    m_polled.push_back(registers);
+}
+
+void CheckedLine::set(const Variable &target, int ownerId, int ownerTag, unsigned random)
+{
+    const bool isSingle = target.kind < KIND_INPUT_WORD;
+    const int units = isSingle ? target.length : rangeOf(target).count;
+    const int unitBytes = isSingle ? 1 : 2;
+    QByteArray value(units * unitBytes, '\0');
+    for (char &byte : value) {
+        random = random * 1103515245U + 12345U;
+        byte = static_cast<char>(target.kind < KIND_INPUT_BYTE ? random >> 17 & 1U : random >> 17);
+    }
+    driver.SetRegisterData("", target.kind, target.address, target.station, &value, target.length,
+                           ownerId, ownerTag);
+    const int offset = driver.PLCAddressChangeIntef(target.kind, target.address);
+    RW_VAR piece = recordOf(target, ownerId, ownerTag);
+    for (int start = 0; start < units; start += piece.count) {
+        piece.addr = offset + start * unitBytes;
+        piece.count = isSingle ? 1 : std::min(units - start, link.maxRegs);
+        piece.value = value.mid(start * unitBytes, piece.count * unitBytes);
+        m_writes.queueWrite(piece);
+    }
+}
+
+void CheckedLine::once(const Variable &target, int ownerId, int ownerTag)
+{
+    RW_VAR request = recordOf(target, ownerId, ownerTag);
+    driver.AddListOnceReadVar(&request, QUEUE_CHECKED);
+    const Range range = rangeOf(target);
+    RW_VAR piece = recordOf(target, ownerId, ownerTag);
+    piece.varKind = areaOf(target.kind);
+    for (int start = 0; start < range.count; start += link.maxRegs) {
+        piece.addr = range.first + start;
+        piece.count = std::min(range.count - start, link.maxRegs);
+        m_onceReads.queueOnceRead(piece);
+    }
+}
+
+void CheckedLine::enable(int station, bool enabled)
+{
+    driver.EnCommStation(station, enabled ? 1 : 0);
+    if (enabled)
+        m_disabled.erase(station);
+    else
+        m_disabled.insert(station);
+}
+
+void CheckedLine::passTime()
+{
+    if (m_framesLeft > 0)
+        return;
+    m_slaves.passTime();
+    m_expected.passTime();
+}
+
+// --- One exchange ---
+
+void CheckedLine::begin(const Protocol &sent)
+{
+    const RW_VAR &var = sent.var;
+    const bool isWrite = var.rwFlag == REQUEST_WRITE || isRmwRead(var);
+    m_source = isWrite ? &m_writes : var.ownerTag == OWNER_TAG_OF_POLLS ? nullptr : &m_onceReads;
+    m_framesLeft = isRmwRead(var) ? 2 : 1;
+    m_request = var;
+    EXPECT_EQ(m_disabled.count(var.station), 0) << "a disabled station is asked";
+    if (!m_source)
+        return;
+    const RW_VAR *const due = m_source->due(m_disabled);
+    ASSERT_NE(due, nullptr) << "nothing is due";
+    m_request = *due;
+    EXPECT_EQ(std::make_tuple(var.ownerId, var.ownerTag, var.station, var.varKind, var.count),
+              std::make_tuple(due->ownerId, due->ownerTag, due->station, due->varKind, due->count))
+        << "out of order";
+    EXPECT_TRUE(isRmwRead(var) || var.addr == due->addr) << "out of order";
+}
+
+QByteArray CheckedLine::carry(const Protocol &sent, Fault fault, int bit)
+{
+    if (fault == REQUEST_LOST)
+        return QByteArray();
+    if (fault == EXCEPTION_REPLY)
+        return SlaveMemory::exception(sent.frame);
+    QByteArray reply = m_slaves.answer(sent.frame);
+    if (sent.var.rwFlag == REQUEST_WRITE)
+        m_expected.write(m_request);
+    EXPECT_EQ(reply.size(), sent.replyLen);
+    bit %= 8 * reply.size();
+    if (fault == BIT_FLIPPED)
+        reply[bit / 8] = static_cast<char>(reply.at(bit / 8) ^ 1 << bit % 8);
+    if (fault == ONE_LONG)
+        reply.append('\0');
+    return fault == REPLY_LOST ? QByteArray() : fault == ONE_SHORT ? reply.chopped(1) : reply;
+}
+
+void CheckedLine::exchange(Fault fault, int bit)
+{
+    const Protocol *const next = driver.ComCommunication();
+    if (!next) {
+        EXPECT_EQ(m_framesLeft, 0) << "a request got lost";
+        return;
+    }
+    const Protocol sent = *next;
+    if (m_framesLeft == 0)
+        begin(sent);
+    else if (m_repeats)
+        EXPECT_EQ(sent.frame, m_lastFrame);
+    else
+        EXPECT_EQ(sent.var.rwFlag, REQUEST_WRITE) << "the write half follows its read";
+    m_lastFrame = sent.frame;
+    replyBytes = sent.replyLen;
+    ++exchanges;
+
+    const QByteArray reply = carry(sent, fault, bit);
+    const StationImages before = m_store;
+    const int verdict = answer(reply, reply.size());
+    std::string events = "none";
+    if (fault != NO_FAULT) {
+        events = expectFailure(fault, verdict);
+    } else {
+        EXPECT_EQ(verdict, RESULT_GOOD);
+        m_repeats = false;
+        if (--m_framesLeft == 0)
+            events = endRequest(true);
+    }
+    EXPECT_EQ(takeEvents(), events);
+    if (fault == NO_FAULT && sent.var.rwFlag == REQUEST_READ && !isRmwRead(sent.var))
+        expectStored(sent.var.station, sent.var.varKind, {sent.var.addr, sent.var.count});
+    else
+        EXPECT_EQ(m_store, before) << "stored what no read brought";
+}
+
+std::string CheckedLine::expectFailure(Fault fault, int verdict)
+{
+    m_repeats = ++m_failures <= link.retryLimit;
+    if (m_repeats) {
+        EXPECT_EQ(verdict, RESULT_WILL_REPEAT);
+        return "none";
+    }
+    const int codes[] = {0, 41, 41, 71, 71, 71, 11};
+    const int owner = m_request.ownerId;
+    EXPECT_EQ(verdict, codes[fault] + (owner >= 0 && owner < 12 ? owner : 0));
+    m_failures = 0;
+    m_framesLeft = 0;
+    return endRequest(false);
+}
+
+std::string CheckedLine::endRequest(bool good)
+{
+    if (m_source)
+        return m_source->end(link, good);
+    return good ? "none" : "fail 0 1";
+}
+
+// --- After all ---
+
+void CheckedLine::expectStored(int station, int area, const Range &range)
+{
+    QByteArray values;
+    driver.GetRegisterData(0, area, QString::number(range.first), station, &values, range.count);
+    for (int i = 0; i < range.count; ++i) {
+        const int value = m_slaves.read(station, area, range.first + i);
+        ASSERT_EQ(values.mid(2 * i, 2),
+                  QByteArray(1, static_cast<char>(value)) + static_cast<char>(value >> 8))
+            << "station " << station << ", area " << area << ", register " << range.first + i;
+    }
+}
+
+void CheckedLine::finishAndCheck()
+{
+    // A turn may end a burst and send nothing, a request takes two frames, and a cyclic read may
+    // come after every fifth.
+    for (size_t turns = 4 * queued() + 20; turns > 0 && (queued() > 0 || m_framesLeft > 0); --turns)
+        exchange();
+    EXPECT_EQ(queued(), 0);
+    EXPECT_TRUE(core.writeList.isEmpty() && core.onceReadList.isEmpty());
+    passTime();
+    for (int i = 0; i < core.readList.size(); ++i)
+        exchange();
+    EXPECT_TRUE(core.pendingList.isEmpty());
+    EXPECT_TRUE(m_slaves == m_expected)
+        << "a register that nobody wrote has changed, or the reverse";
+    for (const Variable &variable : m_polled) {
+        if (m_disabled.count(variable.station) == 0)
+            expectStored(variable.station, areaOf(variable.kind), rangeOf(variable));
+    }
+}

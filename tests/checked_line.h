@@ -1,0 +1,80 @@
+// A line in virtual time: the driver on one side, slaves on the other, faults between them. Each
+// exchange is held against what the host's header promises; what differs fails the test.
+#pragma once
+
+#include "tests/driver_under_test.h"
+#include "tests/queue_model.h"
+#include "tests/slave_memory.h"
+
+enum Fault {
+    NO_FAULT,
+    REQUEST_LOST,
+    REPLY_LOST,
+    ONE_SHORT,
+    ONE_LONG,
+    EXCEPTION_REPLY,
+    BIT_FLIPPED
+};
+
+struct Variable {
+    int kind;
+    QString address;
+    int station;
+    int length; // in the kind's units
+};
+
+class CheckedLine : public DriverUnderTest
+{
+public:
+    CheckedLine();
+
+    // What a host asks for. The values of writes follow from `random`.
+    void rebuild(const std::vector<Variable> &items); ///< of defaultStation
+    void poll(const Variable &registers);
+    void set(const Variable &target, int ownerId, int ownerTag, unsigned random);
+    void once(const Variable &target, int ownerId, int ownerTag);
+    void enable(int station, bool enabled);
+
+    /// One turn, with one frame or none. `bit` is counted modulo the bits of the reply.
+    void exchange(Fault fault = NO_FAULT, int bit = 0);
+
+    /// Good exchanges until the queues are empty, then one full pass, then all that must hold.
+    void finishAndCheck();
+
+    /// The slaves change their registers, unless a request is in progress.
+    void passTime();
+
+    size_t queued() const { return m_writes.entries.size() + m_onceReads.entries.size(); }
+
+    int exchanges = 0;
+    int replyBytes = 0; ///< that the last request asked for
+
+private:
+    struct Range {
+        int first; // register
+        int count; // registers
+    };
+
+    Range rangeOf(const Variable &variable) const;
+    RW_VAR recordOf(const Variable &variable, int ownerId, int ownerTag) const;
+    void begin(const Protocol &sent);
+    QByteArray carry(const Protocol &sent, Fault fault, int bit);
+    std::string expectFailure(Fault fault, int verdict);
+    std::string endRequest(bool good);
+    void expectStored(int station, int area, const Range &range);
+
+    const StationImages &m_store;
+    SlaveMemory m_slaves;
+    SlaveMemory m_expected; // what the writes that reached a slave mean
+    QueueModel m_writes;
+    QueueModel m_onceReads;
+    std::set<int> m_disabled;
+    std::vector<Variable> m_polled;
+
+    QueueModel *m_source = nullptr; // of the request in progress; null for a cyclic read
+    RW_VAR m_request;
+    QByteArray m_lastFrame;
+    int m_framesLeft = 0;
+    bool m_repeats = false;
+    int m_failures = 0; // since the last give-up
+};
