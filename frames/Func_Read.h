@@ -5,7 +5,6 @@
 #include "driver/records.h"
 
 /// Parts of every Modbus frame, in bytes.
-const int FUNCTION_CODE_OFFSET = 1;
 const int READ_HEADER_BYTES = 3; // of a read reply: station, function, byte count
 const int CHECK_BYTES = 2;
 

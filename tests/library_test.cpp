@@ -91,6 +91,28 @@ TEST(LibraryFile, TwoCopiesShareNothing)
     EXPECT_FALSE(isLoaded(qPrintable(copy)));
 }
 
+// A host that sets a few fields counts on the others.
+TEST(HostHeader, RecordsBeginWithZeros)
+{
+    const ComInfo info;
+    const int *const words = reinterpret_cast<const int *>(&info);
+    for (size_t i = 0; i < sizeof(info) / sizeof(int); ++i)
+        EXPECT_EQ(words[i], 0) << i;
+    const RW_VAR var;
+    for (const int field :
+         {var.ownerId, var.ownerTag, var.rwFlag, var.linkMode, var.areaNo, var.retCode, var.varKind,
+          var.addr, var.station, var.count, var.rmwMark, var.remoteArg})
+        EXPECT_EQ(field, 0);
+    const Protocol frame;
+    for (const int field : {frame.frameLen, frame.replyLen, frame.dataOffset, frame.dataLen,
+                            frame.reserved[0], frame.reserved[1], frame.reserved[2]})
+        EXPECT_EQ(field, 0);
+    const VAR_ITEM item;
+    EXPECT_EQ(item.hostByte | item.kind | item.length, 0);
+    for (const unsigned char byte : item.hostBytes)
+        EXPECT_EQ(byte, 0);
+}
+
 TEST_F(LibraryTest, SetUpCalls)
 {
     EXPECT_EQ(driver.QueryFinishFlag(), 1);
