@@ -86,7 +86,8 @@
 //   - Outside remote mode a write to station 0 (broadcast) waits for an answer that no slave gives:
 //     it is repeated and at last reported failed although the slaves obey it. Of a bit or a byte
 //     only the read goes out, and nobody obeys.
-//   - On the line register numbers wrap at 65,536; the 5000 of the third area is included.
+//   - On the line register numbers wrap at 65,536; the 5000 of the third area is included. Slaves
+//     refuse a request that begins before the wrap and ends behind it, and it is given up.
 //   - One function 16 frame carries at most 123 registers, one read at most 125. The library sends
 //     what maxRegs says; slaves refuse more.
 //   - With an odd maxRegs a run of double words is cut in the middle of one: its two halves travel
@@ -181,7 +182,8 @@ enum LIMIT {
     /// Bytes of one area image. Bytes from here on are not written and read as 0.
     LIMIT_IMAGE_BYTES = 1 << 24,
     /// Bytes of one frame. A write that would pass it (of 32,764 registers or more) gets none, and
-    /// vanishes when its turn comes.
+    /// vanishes when its turn comes. Above 255 bytes the one-byte counts in a frame (the byte count
+    /// of function 16, the length of a remote frame) hold the low byte of the number.
     LIMIT_FRAME_BYTES = 65535
 };
 
@@ -378,7 +380,8 @@ VELKO_API const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived);
 
 /// Rebuilds the cyclic read list from the host's items: each becomes a range of registers; ranges
 /// of one area that touch, overlap or start within maxRegs registers of one another are merged, and
-/// cut to at most maxRegs registers. Every item gets ComInfo's defaultStation; with 0 the list
+/// cut to at most maxRegs registers. Where the lowest range of an area is cut without a rest, a
+/// range that lies within it makes a request of its own: its registers are read twice. Every item gets ComInfo's defaultStation; with 0 the list
 /// stays empty. An item is left out when its address is invalid and when it covers more than
 /// LIMIT_REGISTERS; one that covers none makes no request of its own, but can lengthen the one that
 /// it is merged into. Restarts the cycle (cycleDone 0), unless the host's list is empty.

@@ -1,0 +1,24 @@
+"""One fault: where it goes, and how it shows."""
+import dataclasses
+
+
+@dataclasses.dataclass(frozen=True)
+class Fault:
+    rule: str
+    file: str
+    line: int
+    function: str  # "" outside any
+    start: int     # bytes of the file
+    end: int
+    replacement: bytes
+    was: str       # the lines in question, stripped
+    becomes: str
+
+    def __str__(self):
+        return f"{self.file}:{self.line} {self.rule}: `{self.was}` -> `{self.becomes}`"
+
+    def key(self):
+        return self.file, self.function, self.was, self.becomes
+
+    def place(self):
+        return self.file, self.start, self.end, self.replacement

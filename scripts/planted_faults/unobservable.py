@@ -1,0 +1,37 @@
+"""The list of faults that nothing outside the library could notice."""
+import collections
+import json
+import tomllib
+
+from planted_faults.tree import ROOT
+
+LISTED = "scripts/planted_faults/unobservable.toml"
+
+
+def read_unobservable():
+    """{(file, function, was, becomes): reason}"""
+    entries = tomllib.loads((ROOT / LISTED).read_text()).get("fault", [])
+    return {(one["file"], one.get("function", ""), one["was"], one["becomes"]): one["reason"]
+            for one in entries}
+
+
+def as_entry(fault):
+    names = [name for name in ("file", "function", "was", "becomes") if getattr(fault, name)]
+    lines = [f"{name} = {json.dumps(getattr(fault, name))}" for name in names]
+    return "\n".join(["[[fault]]", *lines, 'reason = ""'])
+
+
+def check(candidates, unobservable):
+    for attribute in ("rule", "file"):
+        print(f"candidates by {attribute}:")
+        counts = collections.Counter(getattr(one, attribute) for one in candidates)
+        for name, number in sorted(counts.items()):
+            print(f"  {number:5} {name}")
+    known = {fault.key() for fault in candidates}
+    stale = [key for key in unobservable if key not in known]
+    for file, function, was, becomes in stale:
+        print(f"no such fault any more: {file} {function}: `{was}` -> `{becomes}`")
+    if stale:
+        print(f"plant-faults: correct or remove these entries of {LISTED}, as the source now reads")
+    print(f"{len(candidates)} candidates, {len(unobservable)} of them listed as unobservable")
+    return 1 if stale else 0
