@@ -78,9 +78,9 @@ int mixedRun(int retryLimit, int exchanges, int failing, Fault fault, int bit)
     return bytes;
 }
 
-// The allocator counts blocks that it keeps for the next request of their size as used, at most a
-// quarter of a megabyte of them. One leaked block in a hundred exchanges would pass that.
-const size_t MOST_GROWTH = 262144;
+// The allocator counts the blocks that it keeps for the next request of their size as used, up to some
+// hundred thousand bytes. One leaked block in fifty exchanges would pass this.
+const size_t MOST_GROWTH = 524288;
 
 size_t bytesInUse()
 {
@@ -151,11 +151,11 @@ public:
     /// One exchange of twelve fails; now and then the cable is out for a while.
     void exchange()
     {
-        if (m_cableOut-- == 0)
-            m_cableOut = below(5000);
-        const int fault = m_cableOut < 150 && m_cableOut % 2 == 0 ? REQUEST_LOST
-                          : below(12) == 0                        ? 1 + below(BIT_FLIPPED)
-                                                                  : NO_FAULT;
+        if (m_untilCableIsBack-- == 0)
+            m_untilCableIsBack = below(4000);
+        const int fault = m_untilCableIsBack < 60 ? REQUEST_LOST
+                          : below(12) == 0        ? 1 + below(BIT_FLIPPED)
+                                                  : NO_FAULT;
         m_line.exchange(static_cast<Fault>(fault), below(10000));
     }
 
@@ -182,7 +182,7 @@ private:
 
     CheckedLine &m_line;
     std::mt19937 m_random;
-    int m_cableOut = 5000;
+    int m_untilCableIsBack = 4000;
 };
 
 } // namespace
