@@ -1,7 +1,10 @@
 // Host threads beside the communication loop, which runs as fast as it can. Under valgrind's
-// helgrind (scripts/check-races) the same test shows that no access is left without its lock.
+// helgrind (the test "races", scripts/check-races) this shows that no access is left without its lock.
 #include "tests/driver_under_test.h"
 #include "tests/slave_memory.h"
+
+#include <QDir>
+#include <QTemporaryDir>
 
 #include <atomic>
 #include <functional>
@@ -101,6 +104,8 @@ TEST_F(ThreadsTest, EveryValueThatIsReadWasThereAtOneTime)
     driver.ReCreatReadVarList(&items);
     std::atomic<int> lastWritten{0};
     std::atomic<int> torn{0};
+    const QTemporaryDir folder; // for the log
+    QDir::setCurrent(folder.path());
 
     for (int reader = 0; reader < 2; ++reader) {
         beside(
@@ -125,6 +130,8 @@ TEST_F(ThreadsTest, EveryValueThatIsReadWasThereAtOneTime)
     beside([this](int turn) { // four bits of the low byte, and the high byte beside them
         set(KIND_HOLDING_BIT, QString("%1.%2").arg(2 * SHARED).arg(turn % 4), filled(1, 1), 1);
         set(KIND_HOLDING_BYTE, QString::number(2 * SHARED + 1), filled(0x5A, 1), 1);
+        if (turn % 64 == 1)
+            driver.customMessageHandler(QtDebugMsg, "bits");
     });
     beside([&, this](int turn) {
         driver.ReCreatReadVarList(&items);
@@ -135,6 +142,8 @@ TEST_F(ThreadsTest, EveryValueThatIsReadWasThereAtOneTime)
         once.count = 3;
         driver.AddListOnceReadVar(&once, QUEUE_CHECKED);
         driver.EnCommStation(2 + turn % 2, turn % 3);
+        if (turn % 64 == 1)
+            driver.customMessageHandler(QtDebugMsg, "list");
     });
 
     fillSlave(WRITTEN, 0, BLOCK);
@@ -148,6 +157,7 @@ TEST_F(ThreadsTest, EveryValueThatIsReadWasThereAtOneTime)
     for (int turn = 0; turn < 4000; ++turn) // nobody queues any more
         exchange();
 
+    QDir::setCurrent("/");
     EXPECT_EQ(torn, 0);
     EXPECT_TRUE(core.writeList.isEmpty() && core.onceReadList.isEmpty());
     for (int i = 0; i < BLOCK; ++i)
