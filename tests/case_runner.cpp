@@ -1,54 +1,12 @@
 // Runs the cases of tests/cases: scripts of calls to a freshly loaded driver with what each must
 // give. tests/cases/README.md describes their language.
 #include "tests/driver_under_test.h"
+#include "tests/script.h"
 
-#include <QDir>
-#include <QFile>
-#include <QStringList>
-
-#include <functional>
-#include <map>
+#include <QLocale>
 
 namespace
 {
-
-struct Line {
-    int number;
-    QString text;
-};
-
-/// The words behind a command: numbers and texts in order, then NAME=VALUE fields and hex bytes.
-class Words
-{
-public:
-    explicit Words(const QString &text) : m_words(text.split(' ', Qt::SkipEmptyParts)) {}
-
-    QString text() { return m_words.isEmpty() ? QString() : m_words.takeFirst().remove('"'); }
-
-    int number()
-    {
-        bool ok = false;
-        const QString word = text();
-        const int value = word.toInt(&ok);
-        EXPECT_TRUE(ok) << "\"" << qPrintable(word) << "\" is no number";
-        return value;
-    }
-
-    QStringList fields() const { return m_words.filter("="); }
-
-    QByteArray bytes() const
-    {
-        QByteArray hex;
-        for (const QString &word : m_words)
-            hex += word.contains('=') ? QByteArray() : word.toLatin1();
-        return QByteArray::fromHex(hex);
-    }
-
-    QString rest() const { return m_words.join(' '); }
-
-private:
-    QStringList m_words;
-};
 
 QString describe(const RW_VAR &var)
 {
@@ -84,24 +42,10 @@ QString values(const QList<RW_VAR> &list)
     return texts.isEmpty() ? "none" : texts.join(", ");
 }
 
-class Runner : DriverUnderTest
+class Runner : public ScriptRunner, DriverUnderTest
 {
-public:
-    QString run(const QString &command, Words words)
-    {
-        const auto action = m_actions.find(command);
-        if (action != m_actions.end())
-            return action->second(words);
-        const auto number = m_numbers.find(command);
-        if (number == m_numbers.end()) {
-            ADD_FAILURE() << "unknown command " << qPrintable(command);
-            return QString();
-        }
-        return QString::number(*number->second);
-    }
-
-private:
-    using Action = std::function<QString(Words &)>;
+    const std::map<QString, Action> &actions() const override { return m_actions; }
+    const std::map<QString, int *> &numbers() const override { return m_numbers; }
 
     QList<RW_VAR> &list(const QString &name)
     {
@@ -110,47 +54,40 @@ private:
                                 : core.readList;
     }
 
-    static void setFields(const QStringList &fields, const std::map<QString, int *> &numbers)
+    /// Null for the word "null".
+    std::unique_ptr<RW_VAR> record(int rwFlag, Words &words) const
     {
-        for (const QString &field : fields) {
-            const auto number = numbers.find(field.section('=', 0, 0));
-            ASSERT_NE(number, numbers.end()) << "unknown field " << qPrintable(field);
-            *number->second = field.section('=', 1).toInt();
-        }
-    }
-
-    RW_VAR record(int rwFlag, Words &words) const
-    {
-        RW_VAR var;
-        var.rwFlag = rwFlag;
-        var.areaNo = link.localArea;
-        var.station = 1;
-        var.varKind = words.number();
-        var.addrText = words.text();
-        var.addr = var.addrText.toInt();
-        var.count = words.number();
-        var.value = words.bytes();
-        setFields(words.fields(), {{"owner", &var.ownerId},
-                                   {"tag", &var.ownerTag},
-                                   {"rw", &var.rwFlag},
-                                   {"area", &var.areaNo},
-                                   {"station", &var.station},
-                                   {"mark", &var.rmwMark},
-                                   {"arg", &var.remoteArg},
-                                   {"code", &var.retCode}});
+        if (words.takeNull())
+            return nullptr;
+        auto var = std::make_unique<RW_VAR>();
+        var->rwFlag = rwFlag;
+        var->areaNo = link.localArea;
+        var->station = 1;
+        var->varKind = words.number();
+        var->addrText = words.text();
+        var->addr = var->addrText.toInt();
+        var->count = words.number();
+        var->value = words.bytes();
+        setFields(words.fields(), {{"owner", &var->ownerId},
+                                   {"tag", &var->ownerTag},
+                                   {"rw", &var->rwFlag},
+                                   {"area", &var->areaNo},
+                                   {"station", &var->station},
+                                   {"mark", &var->rmwMark},
+                                   {"arg", &var->remoteArg},
+                                   {"code", &var->retCode}});
         return var;
     }
 
     QString queueOnce(Words &words, QUEUE_MODE mode)
     {
         m_once = record(REQUEST_READ, words);
-        return QString::number(driver.AddListOnceReadVar(&m_once, mode));
+        return QString::number(driver.AddListOnceReadVar(m_once.get(), mode));
     }
 
     QString queueWrite(Words &words, QUEUE_MODE mode)
     {
-        const RW_VAR var = record(REQUEST_WRITE, words);
-        return QString::number(driver.AddListWriteVar(&var, mode));
+        return QString::number(driver.AddListWriteVar(record(REQUEST_WRITE, words).get(), mode));
     }
 
     QString setValue(Words &words)
@@ -160,9 +97,10 @@ private:
         const int length = words.number();
         int station = 1, owner = 0, tag = 0;
         setFields(words.fields(), {{"station", &station}, {"owner", &owner}, {"tag", &tag}});
+        const bool isNull = words.takeNull();
         const QByteArray value = words.bytes();
-        return QString::number(
-            driver.SetRegisterData("name", kind, text, station, &value, length, owner, tag));
+        return QString::number(driver.SetRegisterData(
+            "name", kind, text, station, isNull ? nullptr : &value, length, owner, tag));
     }
 
     QString getValue(Words &words)
@@ -173,16 +111,20 @@ private:
         int station = 1;
         setFields(words.fields(), {{"station", &station}});
         QByteArray output("untouched");
-        const int known = driver.GetRegisterData(0, kind, text, station, &output, length);
+        const int known = driver.GetRegisterData(0, kind, text, station,
+                                                 words.takeNull() ? nullptr : &output, length);
         return known == 1 ? QString::fromStdString(hexFrom(output)) : "refused " + output;
     }
 
     QString answerWith(Words &words)
     {
+        const bool isNull = words.takeNull();
         const QByteArray reply = words.bytes();
         int length = reply.size();
         setFields(words.fields(), {{"length", &length}});
-        return QString::number(answer(reply, length));
+        const RW_VAR *const verdict = driver.DataCom(isNull ? nullptr : &reply, length);
+        EXPECT_EQ(verdict, &core.retVar);
+        return QString::number(verdict->retCode);
     }
 
     /// Takes one request off the line, well answered; what it was.
@@ -214,13 +156,17 @@ private:
 
     QString cutGroup(Words &words)
     {
+        const bool isNull = words.takeNull();
         const int total = words.number();
+        const int maxRegs = words.number();
         RW_VAR var;
         var.varKind = AREA_HOLDING;
         var.addr = 40;
         var.count = 7;
         QList<RW_VAR> pieces;
-        driver.WhetherGroup(total, words.number(), &var, &pieces);
+        driver.WhetherGroup(total, maxRegs, isNull ? nullptr : &var, &pieces);
+        if (isNull)
+            driver.WhetherGroup(total, maxRegs, &var, nullptr);
         return ranges(pieces) + " last " + ranges({var});
     }
 
@@ -234,6 +180,19 @@ private:
                    .arg(head.dataOffset)
                    .arg(head.dataLen)
                + describe(head.var);
+    }
+
+    void setLink(const QString &which)
+    {
+        m_another = link;
+        driver.SetComInfo(which == "none" ? nullptr : which == "another" ? &m_another : &link);
+    }
+
+    QString rebuildWith(Words &words)
+    {
+        const int length = words.takeNull() ? driver.ReCreatReadVarList(nullptr)
+                                            : rebuild(qPrintable(words.rest()));
+        return length == core.readList.size() ? ranges(core.readList) : QString::number(length);
     }
 
     void empty()
@@ -253,12 +212,18 @@ private:
         {"perVarStation", &link.perVarStation}, {"frameTotal", &link.frameTotal},
         {"frameDone", &link.frameDone}, {"remoteMode", &link.remoteMode},
         {"localArea", &link.localArea}, {"commMode", &link.commMode},
-        {"cycleDone", &link.cycleDone}, {"activeSource", &core.activeSource},
-        {"writeBurst", &core.writeBurst}, {"onceBurst", &core.onceBurst},
-        {"cycleCount", &core.cycleCount}};
+        {"cycleDone", &link.cycleDone}, {"reserved0", &link.reserved0},
+        {"reserved1", &link.reserved1}, {"hostWord", &link.hostWord},
+        {"activeSource", &core.activeSource}, {"writeBurst", &core.writeBurst},
+        {"onceBurst", &core.onceBurst}, {"cycleCount", &core.cycleCount}};
 
     const std::map<QString, Action> m_actions = {
-        {"let", [this](Words &w) { setFields(w.fields(), m_numbers); return QString(); }},
+        {"link", [this](Words &w) { setLink(w.text()); return QString(); }},
+        {"locale", [](Words &w) { QLocale::setDefault(QLocale(w.text())); return QString(); }},
+        {"unregister", [this](Words &) {
+             driver.RegistCallBackFuncIntf(nullptr, nullptr);
+             return QString();
+         }},
         {"commFailed", [this](Words &) { return QString::number(core.commFailed); }},
         {"fail", [this](Words &) { core.commFailed = 1; return QString(); }},
         {"merging", [this](Words &) { return QString::number(core.pendingMerge.active); }},
@@ -267,21 +232,16 @@ private:
              const int kind = w.number();
              return QString::number(driver.PLCAddressChangeIntef(kind, w.text()));
          }},
-        {"rebuild", [this](Words &w) {
-             const int length = rebuild(qPrintable(w.rest()));
-             EXPECT_EQ(length, core.readList.size());
-             return ranges(core.readList);
-         }},
+        {"rebuild", [this](Words &w) { return rebuildWith(w); }},
         {"poll", [this](Words &w) {
-             const RW_VAR var = record(REQUEST_READ, w);
-             return QString::number(driver.AddListReadVar(&var));
+             return QString::number(driver.AddListReadVar(record(REQUEST_READ, w).get()));
          }},
         {"write", [this](Words &w) { return queueWrite(w, QUEUE_CHECKED); }},
         {"append", [this](Words &w) { return queueWrite(w, QUEUE_UNCONDITIONALLY); }},
         {"once", [this](Words &w) { return queueOnce(w, QUEUE_CHECKED); }},
         {"appendOnce", [this](Words &w) { return queueOnce(w, QUEUE_UNCONDITIONALLY); }},
-        {"converted", [this](Words &) { return ranges({m_once}); }},
-        {"convertedRecord", [this](Words &) { return describe(m_once); }},
+        {"converted", [this](Words &) { return ranges({*m_once}); }},
+        {"convertedRecord", [this](Words &) { return describe(*m_once); }},
         {"set", [this](Words &w) { return setValue(w); }},
         {"get", [this](Words &w) { return getValue(w); }},
         {"station", [this](Words &w) {
@@ -323,89 +283,14 @@ private:
          }}};
     // clang-format on
 
-    RW_VAR m_once;
+    std::unique_ptr<RW_VAR> m_once;
+    ComInfo m_another;
 };
-
-bool fits(const QString &seen, const QString &expected)
-{
-    return expected.endsWith("...") ? seen.startsWith(expected.left(expected.size() - 3).trimmed())
-                                    : seen == expected;
-}
-
-class CaseTest : public ::testing::Test
-{
-public:
-    CaseTest(const QString &file, const QList<Line> &lines) : m_file(file), m_lines(lines) {}
-
-    void TestBody() override
-    {
-        Runner runner;
-        for (const Line &line : m_lines) {
-            SCOPED_TRACE(
-                qPrintable(m_file + ":" + QString::number(line.number) + ": " + line.text));
-            const QString call = line.text.section("->", 0, 0).trimmed();
-            const QString seen = runner.run(call.section(' ', 0, 0), Words(call.section(' ', 1)));
-            if (!line.text.contains("->"))
-                continue;
-            const QString expected = line.text.section("->", 1).trimmed();
-            EXPECT_TRUE(fits(seen, expected)) << "gave " << qPrintable(seen);
-        }
-    }
-
-private:
-    QString m_file;
-    QList<Line> m_lines;
-};
-
-void addCase(const QString &file, QString title, const QList<Line> &lines)
-{
-    testing::RegisterTest(qPrintable("Cases_" + file.section('.', 0, 0)),
-                          qPrintable(title.replace(QRegExp("[^A-Za-z0-9]+"), "_")), nullptr,
-                          nullptr, __FILE__, __LINE__,
-                          [=]() -> testing::Test * { return new CaseTest(file, lines); });
-}
-
-/// A line "== title" begins a case; text behind "#" is a comment.
-int addCasesOf(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    const QStringList texts = QString::fromUtf8(file.readAll()).split('\n');
-    const QString name = path.section('/', -1);
-    QString title;
-    QList<Line> lines;
-    int cases = 0;
-    const auto finish = [&] {
-        if (!lines.isEmpty())
-            addCase(name, title, lines), ++cases;
-        lines.clear();
-    };
-    for (int i = 0; i < texts.size(); ++i) {
-        const QString text = texts.at(i).section('#', 0, 0).trimmed();
-        if (text.startsWith("== ")) {
-            finish();
-            title = text.mid(3);
-        } else if (!text.isEmpty()) {
-            lines.append({i + 1, text});
-        }
-    }
-    finish();
-    return cases;
-}
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
     testing::InitGoogleTest(&argc, argv);
-    int cases = 0;
-    const QDir folder(CASES_FOLDER);
-    for (const QString &name : folder.entryList({"*.case"}, QDir::Files))
-        cases += addCasesOf(folder.filePath(name));
-    if (cases == 0) {
-        std::fprintf(stderr, "no cases in %s\n", CASES_FOLDER);
-        return 1;
-    }
-    return RUN_ALL_TESTS();
+    return registerScripts("case", [] { return std::make_unique<Runner>(); }) ? RUN_ALL_TESTS() : 1;
 }

@@ -62,19 +62,6 @@ int DriverUnderTest::rebuild(const char *items)
     return driver.ReCreatReadVarList(&list);
 }
 
-int DriverUnderTest::write(int kind, const char *text, int length, const char *hex)
-{
-    const QByteArray value = bytesFrom(hex);
-    return driver.SetRegisterData("name", kind, text, 1, &value, length, 0, 0);
-}
-
-std::string DriverUnderTest::read(int kind, const char *text, int length)
-{
-    QByteArray output("untouched");
-    const int known = driver.GetRegisterData(0, kind, text, 1, &output, length);
-    return known == 1 ? hexFrom(output) : "refused " + output.toStdString();
-}
-
 std::string DriverUnderTest::takeEvents()
 {
     const QString taken = events.isEmpty() ? "none" : events.join(", ");

@@ -26,8 +26,6 @@ struct DriverUnderTest {
     int answer(const char *hex);
 
     int rebuild(const char *items);
-    int write(int kind, const char *text, int length, const char *hex);
-    std::string read(int kind, const char *text, int length);
 
     /// The callbacks since the last call: "done LINK OWNER TAG STATUS, fail OWNER FLAG"; "none".
     std::string takeEvents();

@@ -1,11 +1,11 @@
 // The serial port needs the application object.
-#include <QCoreApplication>
+#include "tests/loop_under_test.h"
 
-#include <gtest/gtest.h>
+#include <QCoreApplication>
 
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    return registerLoopCases() ? RUN_ALL_TESTS() : 1;
 }

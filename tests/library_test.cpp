@@ -1,8 +1,7 @@
-// The library as a file: loading, unloading, two copies, and what a host can hand in wrongly.
+// The library as a file: loading, unloading, two copies, its records and its data.
 #include "tests/driver_under_test.h"
 
 #include <QFile>
-#include <QLocale>
 #include <QTemporaryDir>
 
 #include <dlfcn.h>
@@ -116,125 +115,9 @@ TEST(HostHeader, RecordsBeginWithZeros)
 TEST_F(LibraryTest, SetUpCalls)
 {
     EXPECT_EQ(driver.QueryFinishFlag(), 1);
-    ComInfo other;
-    other.reserved0 = other.reserved1 = 7;
-    other.retryCount = 3;
-    other.frameTotal = 4;
-    other.hostWord = 5;
-    driver.SetComInfo(&other);
-    EXPECT_EQ(other.reserved0, 0);
-    EXPECT_EQ(other.reserved1, 0);
-    EXPECT_EQ(other.retryCount, 3);
-    EXPECT_EQ(other.frameTotal, 4);
-    EXPECT_EQ(other.hostWord, 5);
-
     int targets[3];
     driver.FlashLocalRegister(&targets[0], &targets[1], &targets[2]);
     EXPECT_EQ(*static_cast<void **>(driver.symbol("LB")), &targets[0]);
     EXPECT_EQ(*static_cast<void **>(driver.symbol("LW")), &targets[1]);
     EXPECT_EQ(*static_cast<void **>(driver.symbol("RWI")), &targets[2]);
-}
-
-TEST_F(LibraryTest, AddressesAreReadInTheApplicationsLocaleToo)
-{
-    const struct {
-        const char *locale;
-        const char *text;
-        int kind;
-        int offset;
-    } rows[] = {
-        {"C", "\u0661\u0662", KIND_HOLDING_WORD, 0},
-        {"ar_EG", "\u0661\u0662", KIND_HOLDING_WORD, 24},
-        {"ar_EG", "\u0663.\u0665", KIND_HOLDING_BIT, 29},
-        {"ar_EG", "12", KIND_HOLDING_DWORD, 48},
-        {"ar_EG", "abc", KIND_HOLDING_BYTE, 0},
-        {"ar_EG", "\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669\u0669", KIND_HOLDING_BYTE,
-         0},
-        {"sv_SE", "-4", KIND_HOLDING_WORD, -8},
-        {"en_US", "1,500", KIND_HOLDING_BYTE, 0}, // no group separators
-        {"de_DE", "1.500", KIND_HOLDING_BYTE, 0},
-    };
-    for (const auto &row : rows) {
-        QLocale::setDefault(QLocale(row.locale));
-        EXPECT_EQ(driver.PLCAddressChangeIntef(row.kind, QString::fromUtf8(row.text)), row.offset)
-            << row.locale << " " << row.text;
-    }
-    QLocale::setDefault(QLocale::c());
-}
-
-TEST_F(LibraryTest, CallbacksThatAreNotRegisteredAreNotCalled)
-{
-    driver.RegistCallBackFuncIntf(nullptr, nullptr);
-    write(KIND_HOLDING_WORD, "0", 1, "01 00");
-    next();
-    EXPECT_EQ(answer(""), 41);
-    EXPECT_TRUE(core.writeList.isEmpty());
-    EXPECT_EQ(takeEvents(), "none");
-}
-
-TEST_F(LibraryTest, WithoutComInfoNothingHappens)
-{
-    rebuild("7:0:1 7:50:1");
-    next();
-    driver.SetComInfo(nullptr);
-    EXPECT_EQ(next(), "none");
-    EXPECT_EQ(answer(GOOD_READ), 1);
-    EXPECT_EQ(core.pendingList.size(), 1);
-    EXPECT_EQ(rebuild("7:9:1"), 0);
-    EXPECT_EQ(core.readList.size(), 2);
-    RW_VAR record;
-    record.varKind = KIND_HOLDING_WORD;
-    record.station = 3;
-    record.count = 5;
-    EXPECT_EQ(driver.AddListOnceReadVar(&record, QUEUE_CHECKED), 0);
-    EXPECT_EQ(record.varKind, KIND_HOLDING_WORD);
-    EXPECT_EQ(record.station, 3);
-    EXPECT_EQ(write(KIND_HOLDING_WORD, "0", 1, "01 00"), 0);
-    // The others work as ever.
-    EXPECT_EQ(driver.AddListOnceReadVar(&record, QUEUE_UNCONDITIONALLY), 1);
-    EXPECT_EQ(driver.AddListWriteVar(&record, QUEUE_CHECKED), 1);
-    EXPECT_EQ(read(KIND_HOLDING_WORD, "0", 1), "00 00");
-    driver.SetComInfo(&link);
-    EXPECT_EQ(answer(GOOD_READ), 1);
-    EXPECT_EQ(read(KIND_HOLDING_WORD, "0", 1), "2A 00");
-}
-
-TEST_F(LibraryTest, AnotherComInfoBetweenTheFramesOfAWriteLosesNothing)
-{
-    write(KIND_HOLDING_BIT, "4.5", 1, "01");
-    next();
-    ComInfo second = link;
-    second.frameTotal = 0;
-    driver.SetComInfo(&second);
-    EXPECT_EQ(answer(GOOD_READ), 1);
-    EXPECT_EQ(takeEvents(), "none");
-    EXPECT_EQ(next(), "01 10 00 02 00 01 02 00 2A 26 6D");
-    EXPECT_EQ(answer(GOOD_WRITE), 1);
-    EXPECT_EQ(takeEvents(), "done 9 0 0 1");
-}
-
-TEST_F(LibraryTest, NullPointersChangeNothing)
-{
-    rebuild("7:0:1 7:50:1");
-    write(KIND_HOLDING_WORD, "0", 1, "01 00");
-    EXPECT_EQ(driver.ReCreatReadVarList(nullptr), 2);
-    EXPECT_EQ(driver.AddListReadVar(nullptr), 2);
-    for (const QUEUE_MODE mode : {QUEUE_CHECKED, QUEUE_UNCONDITIONALLY}) {
-        EXPECT_EQ(driver.AddListWriteVar(nullptr, mode), 1);
-        EXPECT_EQ(driver.AddListOnceReadVar(nullptr, mode), 0);
-    }
-    EXPECT_EQ(driver.GetRegisterData(0, KIND_HOLDING_WORD, "0", 1, nullptr, 1), 0);
-    EXPECT_EQ(driver.SetRegisterData("", KIND_HOLDING_WORD, "0", 1, nullptr, 1, 0, 0), 0);
-    EXPECT_EQ(core.writeList.size(), 1);
-    QList<RW_VAR> pieces;
-    RW_VAR whole;
-    whole.count = 9;
-    driver.WhetherGroup(9, 3, nullptr, &pieces);
-    driver.WhetherGroup(9, 3, &whole, nullptr);
-    EXPECT_TRUE(pieces.isEmpty());
-    EXPECT_EQ(whole.count, 9);
-    next();
-    EXPECT_EQ(driver.DataCom(nullptr, 0)->retCode, 41) << "an empty buffer";
-    next();
-    EXPECT_EQ(driver.DataCom(nullptr, 7)->retCode, 11);
 }

@@ -5,6 +5,7 @@
 #include "host/line/replies.h"
 #include "host/line/serial_line.h"
 #include "host/plc/simulated_plc.h"
+#include "tests/script.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -196,32 +197,6 @@ TEST(Line, ALineThatNeverFallsSilent)
 
 TEST(Line, AnswerFilter)
 {
-    // To a read of one register of station 1, function 3: 7 bytes. "|" is a gap between bytes.
-    const struct {
-        const char *arrived;
-        const char *answer;
-        const char *dropped;
-        bool isComplete;
-    } rows[] = {
-        {"01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F", "", true},
-        {"01 03 02 5A A5 42", "01 03 02 5A A5 42", "", false},
-        {"01 03 02 5A A5 42 9E", "01 03 02 5A A5 42 9E", "", true}, // the driver judges the CRC
-        {"01 83 02 C0 F1", "01 83 02 C0 F1", "", true},
-        {"01 83 02 C0 F0", "01 83 02 C0 F0", "", false}, // no exception without its CRC
-        {"01 84 02 C2 C1 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F", "01 84 02 C2 C1", true},
-        {"02 03 02 5A A5 06 BF", "", "02", false}, // wrong CRC: the rest may begin more
-        {"02 03 02 5A A5 06 9F", "", "02 03 02 5A A5 06 9F", false},
-        {"02 03 02 5A | 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F", "02 03 02 5A", true},
-        {"FF 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F", "FF", true},
-        {"01 10 00 00 00 01 01 C9 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F",
-         "01 10 00 00 00 01 01 C9", true},
-        // Late answers of other lengths.
-        {"01 03 04 00 01 00 02 2A 32 01 03 02 5A A5 42 9F", "01 03 02 5A A5 42 9F",
-         "01 03 04 00 01 00 02 2A 32", true},
-        {"01 03 04 00 01 00 02", "01 03 04 00 01 00 02", "", false},
-        {"01 | ", "01", "", false},
-        {"", "", "", false},
-    };
     // To a write of register 1: that of register 0 was acknowledged late.
     AnswerFilter ofWrite(frame("01 10 00 01 00 01 02 00 07"), 8);
     ofWrite.add(frame("01 10 00 00 00 01"));
@@ -229,17 +204,18 @@ TEST(Line, AnswerFilter)
     ofWrite.add(frame("01 10 00 01 00 01") + QByteArray("x"));
     EXPECT_EQ(ofWrite.answer(), frame("01 10 00 01 00 01"));
     EXPECT_EQ(ofWrite.takeRest(), "x");
-    for (const auto &row : rows) {
+    for (const QStringList &row : rowsOf("answers.table")) {
         AnswerFilter filter(frame("01 03 00 00 00 01"), 7);
-        const QByteArray text = row.arrived;
-        for (const QByteArray &part : text.split('|')) {
+        for (const QString &part : row.at(0).split('/')) {
             filter.gap();
-            for (const char byte : QByteArray::fromHex(part)) // one at a time is the hardest
+            // One at a time is the hardest.
+            for (const char byte : QByteArray::fromHex(part.toLatin1()))
                 filter.add(QByteArray(1, byte));
         }
-        EXPECT_EQ(hexText(filter.answer()), row.answer) << row.arrived;
-        EXPECT_EQ(filter.isComplete(), row.isComplete) << row.arrived;
-        EXPECT_EQ(hexText(filter.takeDropped()), row.dropped) << row.arrived;
+        const QStringList seen = {row.at(0), QString::fromStdString(hexText(filter.answer())),
+                                  QString::fromStdString(hexText(filter.takeDropped())),
+                                  filter.isComplete() ? "complete" : "waits"};
+        EXPECT_EQ(seen, row) << qPrintable(seen.join(" | "));
     }
 }
 

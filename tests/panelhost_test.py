@@ -31,6 +31,11 @@ def run(*arguments, stdin=""):
     return subprocess.run([*PANELHOST, *arguments], input=stdin, capture_output=True, text=True, timeout=LIMIT)
 
 
+def rows_of(name):
+    with open(os.path.join(os.path.dirname(__file__), "cases", name), encoding="utf-8") as file:
+        return [[cell.strip() for cell in line.split("|")] for line in file if not line.startswith("#")]
+
+
 def wait_for(condition, what):
     end = time.monotonic() + LIMIT
     while not condition():
@@ -184,42 +189,10 @@ class PanelhostTest(unittest.TestCase):
         good = self.file(self.link("/dev/none", 'name = "v"\nkind = "input word"\naddress = 0'))
         bad = self.file("[[link]]\nnam = 1\n", "bad.toml")
         with Simulator("--station", "1") as plc:
-            quick = (plc.device, "-o", "0.05")
-            rows = [
-                (0, "7:2 = 38059", "read", *quick, "7:2"),
-                (0, "registers 0 to 1 on the line: B\\x5CC", "write", *quick, "-r", "1", "-t", "4:text", "B\\x5CC"),
-                (1, "cannot load the driver", "read", *quick, "7:0", "--library", "/none.so"),
-                (1, "capture file", "read", *quick, "7:0", "--pcap", "/none/x"),
-                (2, "subcommand is required", "--hlep"),
-                (2, "subcommand is required"),
-                (2, 'there is no sub-command "foo"', "foo"),
-                (2, "goes behind --", "write", *quick, "-r", "1", "-12"),
-                (2, "goes behind --", "write", *quick, "-r", "1", "5", "-1"),
-                (2, "go without variables", "read", *quick, "7:0", "-c", "2"),
-                (2, "not VARIABLE=VALUE; values alone need -r", "write", *quick, "7:100"),
-                (2, "is not a number from 1 to 247", "read", *quick, "-a", "248"),
-                (2, "is not a number from 300", "read", *quick, "-b", "010"),
-                (2, "references count from 1", "read", *quick, "-r", "0"),
-                (2, "coils and discrete inputs", "read", *quick, "-t", "0"),
-                (2, "kind \"99\"", "read", *quick, "99:0"),
-                (2, "cannot be written", "write", *quick, "6:0=1"),
-                (2, "not VARIABLE=VALUE", "write", *quick, "7:0=1", "2"),
-                (3, "bad.toml:2:1: unknown key \"nam\"", "poll", bad),
-                (3, "bad.toml:2:1: unknown key \"nam\"", "plan", bad),
-                (4, "/dev/none cannot be opened: there is no such device", "read", "/dev/none"),
-                (4, "/dev/none cannot be opened", "poll", good),
-                (4, "does not switch the RS-485 direction", "read", *quick, "-F", "7:0"),
-                (5, "station 2, holding word 0: no answer", "read", *quick, "-a", "2", "7:0"),
-                (5, "7:0 = 1: failed: no answer", "write", *quick, "-a", "2", "7:0=1"),
-                (5, "7:1 = 2: refused: station 2 is off", "write", *quick, "-a", "2", "7:0=1", "7:1=2"),
-                (5, "no echo", "read", *quick, "-a", "2", "--echo", "7:0"),
-                (6, "exception 2 (illegal data address)", "read", *quick, "7:0", "7:9000"),
-                (6, "exception 2 (illegal data address)", "write", *quick, "7:9000=1"),
-                (6, "refused: \"65536\" is out of range: 0 to 65535", "write", *quick, "7:0=65536"),
-            ]
-            for status, text, *arguments in rows:
+            for status, arguments, text in rows_of("exit_statuses.table"):
+                arguments = shlex.split(arguments.format(plc=plc.device + " -o 0.05", good=good, bad=bad))
                 with self.subTest(arguments=arguments):
-                    self.assert_ends(run(*arguments), status, text)
+                    self.assert_ends(run(*arguments), int(status), text)
 
     def test_plan(self):
         content = self.link(

@@ -1,0 +1,157 @@
+// Runs tests/cases/communication.loop. tests/cases/README.md describes their language.
+#include "tests/loop_under_test.h"
+#include "tests/script.h"
+
+namespace
+{
+
+QString text(const std::string &seen)
+{
+    return QString::fromStdString(seen).trimmed().replace("\n", ", ");
+}
+
+class LoopRunner : public ScriptRunner, LoopUnderTest
+{
+    const std::map<QString, Action> &actions() const override { return m_actions; }
+    const std::map<QString, int *> &numbers() const override { return m_numbers; }
+
+    QString addVariable(Words &words)
+    {
+        const std::string name = words.text().toStdString();
+        const std::string place = words.text().toStdString();
+        int station = 1;
+        setFields(words.fields(), {{"station", &station}});
+        const std::map<QString, Access> accesses = {
+            {"", Access::READ}, {"write", Access::WRITE}, {"read-write", Access::READ_WRITE}};
+        const QString access = words.text();
+        add(name.c_str(), place.c_str(), station, accesses.at(access.contains('=') ? "" : access));
+        return QString();
+    }
+
+    QString remove(const std::string &name)
+    {
+        link.variables.erase(link.variables.begin() + (&named(name) - link.variables.data()));
+        return QString();
+    }
+
+    QString plan() const
+    {
+        QStringList frames;
+        for (const PlannedRequest &request : RequestPlanner(DRIVER_LIBRARY).plan(link))
+            frames += text(hexText(request.frame.left(6)));
+        return frames.join(", ");
+    }
+
+    QString stored(const std::string &place) const
+    {
+        const Variable variable = parseVariable(place, 1, Access::READ);
+        return text(textOf(variable, loop->value(variable)));
+    }
+
+    /// "1024*0" stands for 1024 zeros.
+    QString writeValue(Words &words)
+    {
+        const std::string name = words.text().toStdString();
+        QString value = words.rest();
+        if (value.contains('*')) {
+            const QString abbreviation = value;
+            const int times = value.section('*', 0, 0).toInt();
+            value = (value.section('*', 1) + " ").repeated(times).trimmed();
+            m_abbreviations[value] = abbreviation;
+        }
+        return write(name.c_str(), value.toStdString()) ? "queued" : "refused";
+    }
+
+    QString events(Event::Kind kind)
+    {
+        QString told = text(taken(kind));
+        for (const auto &abbreviation : m_abbreviations)
+            told.replace(abbreviation.first, abbreviation.second);
+        return told.isEmpty() ? "none" : told;
+    }
+
+    QString countersOf(int station) const
+    {
+        const StationCounters seen = counters(station);
+        QString counted =
+            QString("sent=%1 good=%2 noReply=%3 badCrc=%4 length=%5 retries=%6 givenUp=%7")
+                .arg(seen.sent)
+                .arg(seen.good)
+                .arg(seen.noReply)
+                .arg(seen.badCrc)
+                .arg(seen.wrongLength)
+                .arg(seen.retries)
+                .arg(seen.givenUp);
+        for (const auto &exception : seen.exceptions)
+            counted += QString(" exception%1=%2").arg(exception.first).arg(exception.second);
+        return counted;
+    }
+
+    /// How many requests begin with these bytes, from the first one on.
+    QString requests(const QByteArray &beginning, size_t first = 0)
+    {
+        const std::vector<SeenRequest> seen = plc->requests();
+        m_seen = seen.size();
+        return QString::number(std::count_if(
+            seen.begin() + static_cast<ptrdiff_t>(first), seen.end(),
+            [&](const SeenRequest &request) { return request.frame.startsWith(beginning); }));
+    }
+
+    QString holdingRegister(Words &words) const
+    {
+        const std::vector<uint16_t> memory = plc->holdingRegisters(words.number());
+        return QString::number(memory.at(static_cast<size_t>(words.number())));
+    }
+
+    QString untilItGives(Words &words)
+    {
+        const QString wanted = words.text();
+        const QString command = words.text();
+        EXPECT_TRUE(turnUntil([&] { return run(command, words) == wanted; }));
+        return QString();
+    }
+
+    // clang-format off
+    const std::map<QString, int *> m_numbers = {
+        {"maxRegs", &link.maxRegs}, {"retries", &link.retries}, {"offerAgain", &link.offerAgain},
+        {"staleAfter", &link.staleAfter}};
+
+    const std::map<QString, Action> m_actions = {
+        {"add", [this](Words &w) { return addVariable(w); }},
+        {"remove", [this](Words &w) { return remove(w.text().toStdString()); }},
+        {"plan", [this](Words &) { return plan(); }},
+        {"start", [this](Words &) { start(); return QString(); }},
+        {"closeAndOpen", [this](Words &) { loop->close("test"); loop->open(); return QString(); }},
+        {"reload", [this](Words &) { reload(); return QString(); }},
+        {"fault", [this](Words &w) { fault(qPrintable(w.rest())); return QString(); }},
+        {"turn", [this](Words &) { loop->turn(); return QString(); }},
+        {"turnFor", [this](Words &w) { turnFor(w.number()); return QString(); }},
+        {"pause", [](Words &w) {
+             QThread::msleep(static_cast<unsigned long>(w.number()));
+             return QString();
+         }},
+        {"until", [this](Words &w) { return untilItGives(w); }},
+        {"readAll", [this](Words &) { EXPECT_TRUE(readAll()); return QString(); }},
+        {"writeAll", [this](Words &) { EXPECT_TRUE(writeAll()); return QString(); }},
+        {"write", [this](Words &w) { return writeValue(w); }},
+        {"writes", [this](Words &) { return events(Event::WRITE); }},
+        {"stations", [this](Words &) { return events(Event::STATION); }},
+        {"station", [this](Words &w) { return loop->status().isOn(w.number()) ? "on" : "off"; }},
+        {"value", [this](Words &w) { return text(value(qPrintable(w.text()))); }},
+        {"stored", [this](Words &w) { return stored(w.text().toStdString()); }},
+        {"counters", [this](Words &w) { return countersOf(w.number()); }},
+        {"requests", [this](Words &w) { return requests(w.bytes()); }},
+        {"newRequests", [this](Words &w) { return requests(w.bytes(), m_seen); }},
+        {"register", [this](Words &w) { return holdingRegister(w); }}};
+    // clang-format on
+
+    size_t m_seen = 0;                          // requests, when they were counted last
+    std::map<QString, QString> m_abbreviations; // by what they stand for
+};
+
+} // namespace
+
+bool registerLoopCases()
+{
+    return registerScripts("loop", [] { return std::make_unique<LoopRunner>(); });
+}
