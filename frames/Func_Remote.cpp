@@ -72,5 +72,5 @@ void Remote_WriteVar(RW_VAR *record)
     if (record->value.size() <= room)
         queueRemote(*record, record->value,
                     record->station == 0 ? REPLY_LEN_NONE : WRITE_REPLY_BYTES, 0, 0);
-    WriteDataToLocal(record);
+    ShowDeviceWrite(record);
 }

@@ -103,5 +103,5 @@ void WriteRegister(RW_VAR *record)
         break;
     }
     if (PLC_driver.commFailed == 0)
-        WriteDataToLocal(record);
+        ShowDeviceWrite(record);
 }

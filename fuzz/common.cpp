@@ -13,6 +13,7 @@ Input::Input(const uint8_t *bytes, size_t size) : FuzzedDataProvider(bytes, size
     DataStorage.clear();
     // One locale with digits of its own.
     QLocale::setDefault(ConsumeBool() ? QLocale(QLocale::Arabic, QLocale::Egypt) : QLocale::c());
+    RegistCallBackFuncIntf([](int, int, int, int) {}, [](QList<RW_VAR>, int, int) {});
     setComInfo();
 }
 

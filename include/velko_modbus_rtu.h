@@ -78,6 +78,8 @@
 //   - A reply is judged by its length and its CRC alone, not by station or function. A late answer
 //     of the right length would be taken for the answer to the next request; so the host empties
 //     the line before it sends, above all after a time-out.
+//   - A write that replaces a queued one takes its place. A write of other, overlapping registers
+//     that was queued between the two goes out after the newer one, and the device keeps its value.
 //   - retryCount is never reset by a good reply: failures of different requests add up to a
 //     give-up. A host that wants a request to fail for its own failures only sets it to 0 in
 //     ComInfo after each finished request, on the communication thread.
@@ -181,9 +183,10 @@ enum LIMIT {
     LIMIT_REGISTERS = 65536,
     /// Bytes of one area image. Bytes from here on are not written and read as 0.
     LIMIT_IMAGE_BYTES = 1 << 24,
-    /// Bytes of one frame. A write that would pass it (of 32,764 registers or more) gets none, and
-    /// vanishes when its turn comes. Above 255 bytes the one-byte counts in a frame (the byte count
-    /// of function 16, the length of a remote frame) hold the low byte of the number.
+    /// Bytes of one frame. A write that would pass it (of 32,764 registers or more, in remote mode
+    /// of more than 65,513 bytes) gets none, and vanishes when its turn comes, though the store
+    /// shows it. Above 255 bytes the one-byte counts in a frame (the byte count of function 16, the
+    /// length of a remote frame) hold the low byte of the number.
     LIMIT_FRAME_BYTES = 65535
 };
 
@@ -381,12 +384,12 @@ VELKO_API const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived);
 /// Rebuilds the cyclic read list from the host's items: each becomes a range of registers; ranges
 /// of one area that touch, overlap or start within maxRegs registers of one another are merged, and
 /// cut to at most maxRegs registers. Where the lowest range of an area is cut without a rest, a
-/// range that lies within it makes a request of its own: its registers are read twice. Every item gets ComInfo's defaultStation; with 0 the list
-/// stays empty. An item is left out when its address is invalid and when it covers more than
-/// LIMIT_REGISTERS; one that covers none makes no request of its own, but can lengthen the one that
-/// it is merged into. Restarts the cycle (cycleDone 0), unless the host's list is empty.
-/// `items` is the host's, read only, not kept. Returns the number of requests in the list.
-/// Any thread. Takes the list lock for its whole run.
+/// range that lies within it makes a request of its own: its registers are read twice. Every item
+/// gets ComInfo's defaultStation; with 0 the list stays empty. An item is left out when its address
+/// is invalid and when it covers more than LIMIT_REGISTERS; one that covers none makes no request
+/// of its own, but can lengthen the one that it is merged into. Restarts the cycle (cycleDone 0),
+/// unless the host's list is empty. `items` is the host's, read only, not kept. Returns the number
+/// of requests in the list. Any thread. Takes the list lock for its whole run.
 VELKO_API int ReCreatReadVarList(const QList<VAR_ITEM> *items);
 
 /// Appends a copy of a ready-made read request to the cyclic list, unchecked: varKind an AREA_...,
@@ -446,8 +449,9 @@ VELKO_API int GetRegisterData(int unused, int kind, const QString &addrText, int
 /// bytes one record each, words and double words in pieces of at most maxRegs registers. All carry
 /// ownerId and ownerTag, so the last one reports for the call. The store shows the value when its
 /// request is built, or at once when the last exchange has failed. The result is the length of the
-/// write queue, or 0 when nothing was queued. A full queue drops pieces silently: a host that must
-/// know asks for the length first and leaves room for all pieces.
+/// write queue, or 0 when nothing was queued. A full queue drops pieces silently, and the last
+/// piece that was queued reports for the call: a host that must know asks for the length first and
+/// leaves room for all pieces.
 /// Returns 0, with nothing changed, for an invalid address and for a length of more than
 /// LIMIT_REGISTERS; in device mode also when a piece's linear offset would leave 32 bits and,
 /// outside remote mode, for the input area. `station` counts where ComInfo's perVarStation is set,

@@ -84,7 +84,7 @@ int queuePiece(RW_VAR &record, int addr, int count, const QByteArray &value)
     const int queued = AddListWriteVar(&record, QUEUE_CHECKED);
     // While the line fails the builder leaves the store alone, so it is kept in step here.
     if (PLC_driver.commFailed != 0)
-        WriteDataToLocal(&record);
+        ShowDeviceWrite(&record);
     return queued;
 }
 
@@ -146,6 +146,17 @@ void WriteDataToLocal(const RW_VAR *record)
         writeBits(image, record->addr, record->count, record->value);
     else
         writeBytes(image, record->addr, imageBytes(width, record->count), record->value);
+}
+
+void ShowDeviceWrite(const RW_VAR *record)
+{
+    if (widthOf(record->varKind) != WIDTH_DWORD || record->count % 2 == 0) {
+        WriteDataToLocal(record);
+        return;
+    }
+    RW_VAR words = *record;
+    words.varKind = getPlcReg(record->varKind); // an area's code is also its kind of words
+    WriteDataToLocal(&words);
 }
 
 int GetRegisterData(int, int kind, const QString &addrText, int station, QByteArray *output,

@@ -40,7 +40,7 @@ RW_VAR CheckedLine::recordOf(const Variable &variable, int ownerId, int ownerTag
     record.areaNo = link.localArea;
     record.addrText = variable.address;
     record.varKind = variable.kind;
-    record.station = variable.station;
+    record.station = link.perVarStation != 0 ? variable.station : link.defaultStation;
     record.count = variable.length;
     return record;
 }
@@ -56,14 +56,17 @@ void CheckedLine::rebuild(const std::vector<Variable> &items)
         item.station = link.defaultStation;
     }
     DriverUnderTest::rebuild(qPrintable(list));
+    m_cyclic.entries.assign(core.readList.begin(), core.readList.end());
 }
 
 void CheckedLine::poll(const Variable &registers)
 {
     RW_VAR request = recordOf(registers, 0, OWNER_TAG_OF_POLLS);
+    request.station = registers.station;
     request.varKind = areaOf(registers.kind);
     request.addr = rangeOf(registers).first;
     driver.AddListReadVar(&request);
+    m_cyclic.entries.push_back(request);
     m_polled.push_back(registers);
 }
 
@@ -114,7 +117,7 @@ void CheckedLine::enable(int station, bool enabled)
 
 void CheckedLine::passTime()
 {
-    if (m_framesLeft > 0)
+    if (m_framesLeft == 1)
         return;
     m_slaves.passTime();
     m_expected.passTime();
@@ -122,23 +125,28 @@ void CheckedLine::passTime()
 
 // --- One exchange ---
 
+// The list that a new request comes from; null when nothing is due.
+QueueModel *CheckedLine::takeTurn()
+{
+    if (!m_writes.entries.empty() && m_writeBurst++ < 5 && m_writes.due(m_disabled))
+        return &m_writes;
+    if (!m_onceReads.entries.empty() && m_onceBurst++ < 5 && m_onceReads.due(m_disabled))
+        return &m_onceReads;
+    m_writeBurst = m_onceBurst = 0;
+    return m_cyclic.due(m_disabled) ? &m_cyclic : nullptr;
+}
+
 void CheckedLine::begin(const Protocol &sent)
 {
     const RW_VAR &var = sent.var;
-    const bool isWrite = var.rwFlag == REQUEST_WRITE || isRmwRead(var);
-    m_source = isWrite ? &m_writes : var.ownerTag == OWNER_TAG_OF_POLLS ? nullptr : &m_onceReads;
     m_framesLeft = isRmwRead(var) ? 2 : 1;
-    m_request = var;
-    EXPECT_EQ(m_disabled.count(var.station), 0) << "a disabled station is asked";
-    if (!m_source)
-        return;
-    const RW_VAR *const due = m_source->due(m_disabled);
-    ASSERT_NE(due, nullptr) << "nothing is due";
-    m_request = *due;
+    m_request = m_source->entries.front();
     EXPECT_EQ(std::make_tuple(var.ownerId, var.ownerTag, var.station, var.varKind, var.count),
-              std::make_tuple(due->ownerId, due->ownerTag, due->station, due->varKind, due->count))
+              std::make_tuple(m_request.ownerId, m_request.ownerTag, m_request.station,
+                              m_request.varKind, m_request.count))
         << "out of order";
-    EXPECT_TRUE(isRmwRead(var) || var.addr == due->addr) << "out of order";
+    EXPECT_TRUE(isRmwRead(var) || var.addr == m_request.addr) << "out of order";
+    EXPECT_EQ(m_source == &m_writes, isRmwRead(var) || var.rwFlag == REQUEST_WRITE);
 }
 
 QByteArray CheckedLine::carry(const Protocol &sent, Fault fault, int bit)
@@ -161,11 +169,14 @@ QByteArray CheckedLine::carry(const Protocol &sent, Fault fault, int bit)
 
 void CheckedLine::exchange(Fault fault, int bit)
 {
+    const StationImages beforeTurn = m_store;
     const Protocol *const next = driver.ComCommunication();
-    if (!next) {
-        EXPECT_EQ(m_framesLeft, 0) << "a request got lost";
+    if (m_framesLeft == 0)
+        m_source = takeTurn();
+    const bool showsWrite = m_framesLeft == 0 && m_source == &m_writes && !m_failing;
+    ASSERT_EQ(next != nullptr, m_source != nullptr);
+    if (!next)
         return;
-    }
     const Protocol sent = *next;
     if (m_framesLeft == 0)
         begin(sent);
@@ -173,6 +184,7 @@ void CheckedLine::exchange(Fault fault, int bit)
         EXPECT_EQ(sent.frame, m_lastFrame);
     else
         EXPECT_EQ(sent.var.rwFlag, REQUEST_WRITE) << "the write half follows its read";
+    EXPECT_TRUE(showsWrite || m_store == beforeTurn) << "shown though no write was built";
     m_lastFrame = sent.frame;
     replyBytes = sent.replyLen;
     ++exchanges;
@@ -189,7 +201,10 @@ void CheckedLine::exchange(Fault fault, int bit)
         if (--m_framesLeft == 0)
             events = endRequest(true);
     }
+    m_failing = fault != NO_FAULT;
     EXPECT_EQ(takeEvents(), events);
+    ASSERT_EQ(core.writeList.size(), m_writes.entries.size());
+    ASSERT_EQ(core.onceReadList.size(), m_onceReads.entries.size());
     if (fault == NO_FAULT && sent.var.rwFlag == REQUEST_READ && !isRmwRead(sent.var))
         expectStored(sent.var.station, sent.var.varKind, {sent.var.addr, sent.var.count});
     else
@@ -213,9 +228,7 @@ std::string CheckedLine::expectFailure(Fault fault, int verdict)
 
 std::string CheckedLine::endRequest(bool good)
 {
-    if (m_source)
-        return m_source->end(link, good);
-    return good ? "none" : "fail 0 1";
+    return m_source == &m_cyclic ? m_source->rotate(good) : m_source->end(link, good);
 }
 
 // --- After all ---

@@ -41,7 +41,7 @@ public:
     /// Good exchanges until the queues are empty, then one full pass, then all that must hold.
     void finishAndCheck();
 
-    /// The slaves change their registers, unless a request is in progress.
+    /// The slaves change their registers, but not between the halves of a read-modify-write.
     void passTime();
 
     size_t queued() const { return m_writes.entries.size() + m_onceReads.entries.size(); }
@@ -57,6 +57,7 @@ private:
 
     Range rangeOf(const Variable &variable) const;
     RW_VAR recordOf(const Variable &variable, int ownerId, int ownerTag) const;
+    QueueModel *takeTurn();
     void begin(const Protocol &sent);
     QByteArray carry(const Protocol &sent, Fault fault, int bit);
     std::string expectFailure(Fault fault, int verdict);
@@ -68,13 +69,17 @@ private:
     SlaveMemory m_expected; // what the writes that reached a slave mean
     QueueModel m_writes;
     QueueModel m_onceReads;
+    QueueModel m_cyclic;
+    int m_writeBurst = 0;
+    int m_onceBurst = 0;
     std::set<int> m_disabled;
     std::vector<Variable> m_polled;
 
-    QueueModel *m_source = nullptr; // of the request in progress; null for a cyclic read
+    QueueModel *m_source = nullptr; // of the request in progress
     RW_VAR m_request;
     QByteArray m_lastFrame;
     int m_framesLeft = 0;
     bool m_repeats = false;
+    bool m_failing = false;
     int m_failures = 0; // since the last give-up
 };

@@ -59,18 +59,34 @@ void actBefore(int exchange, CheckedLine &line)
     }
 }
 
+struct SweepRow {
+    int retryLimit;
+    int perVarStation;
+    int lasting; // failed exchanges
+};
+
+// Becomes part of the test's name.
+void PrintTo(const SweepRow &row, std::ostream *out)
+{
+    *out << "limit" << row.retryLimit << "_perVar" << row.perVarStation << "_failed" << row.lasting;
+}
+
 /// A mixed run; its exchange `failing` fails. Returns the bytes of that one's reply.
-int mixedRun(int retryLimit, int exchanges, int failing, Fault fault, int bit)
+int mixedRun(const SweepRow &row, int exchanges, int failing, Fault fault, int bit)
 {
     CheckedLine line;
-    line.link.retryLimit = retryLimit;
+    line.link.retryLimit = row.retryLimit;
+    line.link.perVarStation = row.perVarStation;
     int bytes = 0;
     int acted = -1;
     for (int turn = 0; turn < 300 && (line.exchanges < exchanges || line.queued() > 0); ++turn) {
         const int exchange = line.exchanges;
         if (acted < exchange)
             actBefore(acted = exchange, line);
-        line.exchange(exchange == failing ? fault : NO_FAULT, bit);
+        if (turn % 3 == 0)
+            line.passTime();
+        const bool fails = exchange >= failing && exchange < failing + row.lasting;
+        line.exchange(fails ? fault : NO_FAULT, bit);
         if (exchange == failing)
             bytes = line.replyBytes;
     }
@@ -93,7 +109,7 @@ size_t bytesInUse()
 
 } // namespace
 
-class FaultSweep : public ::testing::TestWithParam<int>
+class FaultSweep : public ::testing::TestWithParam<SweepRow>
 {
 };
 
@@ -109,12 +125,15 @@ TEST_P(FaultSweep, OfAMixedRun)
             for (int bit = failing % bitStep; bit < last; bit += bitStep, ++runs)
                 bits = 8 * mixedRun(GetParam(), exchanges, failing, static_cast<Fault>(fault), bit);
             ASSERT_FALSE(HasFailure()) << "exchange " << failing << ", fault " << fault;
+            ASSERT_GT(bits, 0);
         }
     }
     std::cout << runs << " runs of " << exchanges << " exchanges, one of them failing\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(RetryLimit, FaultSweep, ::testing::Values(0, 2));
+INSTANTIATE_TEST_SUITE_P(Rows, FaultSweep,
+                         ::testing::Values(SweepRow{0, 1, 1}, SweepRow{0, 0, 1}, SweepRow{2, 1, 1},
+                                           SweepRow{2, 1, 3}));
 
 namespace
 {
@@ -203,10 +222,12 @@ TEST(RandomFaults, LoseNothingAndInventNothing)
             host.exchange();
         }
         host.settle();
+        line.link.perVarStation = part % 3 > 0 ? 1 : 0;
         ASSERT_FALSE(HasFailure()) << "seed " << seed << ", after exchange " << line.exchanges;
         if (part == 2)
             bytesBefore = bytesInUse();
     }
+    EXPECT_GE(line.exchanges, exchanges / 20 * 20);
     const size_t bytesAfter = bytesInUse();
     EXPECT_LT(bytesAfter, bytesBefore + MOST_GROWTH);
     std::cout << line.exchanges << " exchanges, " << bytesBefore << " bytes in use after a tenth, "

@@ -50,8 +50,17 @@ const RW_VAR *QueueModel::due(const std::set<int> &disabled)
     return &entries.front();
 }
 
+std::string QueueModel::rotate(bool good)
+{
+    if (!entries.empty())
+        std::rotate(entries.begin(), entries.begin() + 1, entries.end());
+    return good ? "none" : "fail 0 1";
+}
+
 std::string QueueModel::end(const ComInfo &link, bool good)
 {
+    if (entries.empty())
+        return "an entry";
     const RW_VAR head = entries.front();
     entries.pop_front();
     const std::string owner = std::to_string(head.ownerId);

@@ -1,5 +1,5 @@
-// What the host's header promises about the write queue and the one-shot queue, kept beside the
-// driver's own: which request is due, and who is told what when it ends.
+// What the host's header promises about a list of requests, kept beside the driver's own: which one is
+// due, and who is told what when it ends.
 #pragma once
 
 #include "velko_modbus_rtu.h"
@@ -16,8 +16,9 @@ struct QueueModel {
     /// The first request of an enabled station, brought to the head; null without one.
     const RW_VAR *due(const std::set<int> &disabled);
 
-    /// Ends the head. Returns the callbacks that this makes, as DriverUnderTest::takeEvents().
-    std::string end(const ComInfo &link, bool good);
+    // Both end the head and return the callbacks that this makes, as DriverUnderTest::takeEvents().
+    std::string end(const ComInfo &link, bool good); ///< of a queue
+    std::string rotate(bool good);                   ///< of the cyclic list
 
     std::deque<RW_VAR> entries;
 };

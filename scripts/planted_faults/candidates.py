@@ -219,10 +219,13 @@ def faults_of(job):
     return list(Finder(*job).found.values())
 
 
+def source_files():
+    return [name for name in tracked_files(*SOURCES) if name.endswith((".cpp", ".h"))]
+
+
 def find_candidates():
-    files = [name for name in tracked_files(*SOURCES) if name.endswith((".cpp", ".h"))]
     flags = compile_flags()
     os.chdir(ROOT)  # the flags name folders from there
     with multiprocessing.Pool() as pool:
-        return [fault for some in pool.map(faults_of, [(name, flags) for name in files], 1)
+        return [fault for some in pool.map(faults_of, [(name, flags) for name in source_files()], 1)
                 for fault in some]
