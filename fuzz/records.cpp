@@ -47,18 +47,6 @@ void setAndGet(Input &input)
     assert(output == expected || !(isRefused || isStored));
 }
 
-void cut(Input &input)
-{
-    QList<RW_VAR> pieces;
-    RW_VAR record = input.record();
-    const int total = input.length(KIND_INPUT_BIT);
-    WhetherGroup(total, input.number(1, 125), &record, &pieces);
-    qint64 sum = 0;
-    for (const RW_VAR &piece : qAsConst(pieces))
-        sum += piece.count;
-    assert(pieces.size() < 2 || sum == total);
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
@@ -70,10 +58,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
             setAndGet(input);
         else if (step < 10)
             queue(input);
-        else if (step < 13)
+        else if (step < 14)
             exchange(input);
-        else if (step == 13)
-            cut(input);
         else if (step == 14)
             EnCommStation(input.number(0, 3), input.below(3));
         else

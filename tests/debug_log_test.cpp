@@ -21,6 +21,13 @@ void onMessage(QtMsgType type, const QMessageLogContext &, const QString &messag
     installed(type, message.toLatin1().constData());
 }
 
+int messages = 0;
+
+void countMessage(QtMsgType, const QMessageLogContext &, const QString &)
+{
+    ++messages;
+}
+
 } // namespace
 
 class DebugLogTest : public DriverTest
@@ -81,7 +88,10 @@ TEST_F(DebugLogTest, AFileThatCannotBeOpened)
     installed = driver.customMessageHandler;
     const QtMessageHandler previous = qInstallMessageHandler(onMessage);
     qWarning("lost");
+    qInstallMessageHandler(countMessage);
+    driver.customMessageHandler(QtDebugMsg, "lost silently");
     qInstallMessageHandler(previous);
+    EXPECT_EQ(messages, 0);
     ASSERT_TRUE(QDir().rmdir("debug.log"));
     QFile kept("debug.log");
     ASSERT_TRUE(kept.open(QIODevice::WriteOnly) && kept.write("kept\n") == 5);

@@ -156,9 +156,9 @@ TEST(Line, IsEmptiedBeforeEachRequest)
 {
     LineUnderTest test;
     test.settings.guardTime = 0;
-    test.plc.setFault(1, parseFault("1:late=60").fault);
+    test.plc.setFault(1, parseFault("1:late=150").fault);
     EXPECT_EQ(test.read12(), " (nothing)");
-    QThread::msleep(50); // now it comes
+    QThread::msleep(150); // now it comes
     test.plc.setFault(1, parseFault("1:none").fault);
     EXPECT_EQ(hexText(test.exchange("01 04 00 0D 00 01", 7).reply), "01 04 02 A1 8F 81 04");
 }
