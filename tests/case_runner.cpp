@@ -79,13 +79,13 @@ class Runner : public ScriptRunner, DriverUnderTest
         return var;
     }
 
-    QString queueOnce(Words &words, QUEUE_MODE mode)
+    QString queueOnce(Words &words, int mode)
     {
         m_once = record(REQUEST_READ, words);
         return QString::number(driver.AddListOnceReadVar(m_once.get(), mode));
     }
 
-    QString queueWrite(Words &words, QUEUE_MODE mode)
+    QString queueWrite(Words &words, int mode)
     {
         return QString::number(driver.AddListWriteVar(record(REQUEST_WRITE, words).get(), mode));
     }
@@ -236,10 +236,10 @@ class Runner : public ScriptRunner, DriverUnderTest
         {"poll", [this](Words &w) {
              return QString::number(driver.AddListReadVar(record(REQUEST_READ, w).get()));
          }},
-        {"write", [this](Words &w) { return queueWrite(w, QUEUE_CHECKED); }},
-        {"append", [this](Words &w) { return queueWrite(w, QUEUE_UNCONDITIONALLY); }},
-        {"once", [this](Words &w) { return queueOnce(w, QUEUE_CHECKED); }},
-        {"appendOnce", [this](Words &w) { return queueOnce(w, QUEUE_UNCONDITIONALLY); }},
+        {"write", [this](Words &w) { return queueWrite(w, 0); }},
+        {"append", [this](Words &w) { return queueWrite(w, 1); }},
+        {"once", [this](Words &w) { return queueOnce(w, 0); }},
+        {"appendOnce", [this](Words &w) { return queueOnce(w, 1); }},
         {"converted", [this](Words &) { return ranges({*m_once}); }},
         {"convertedRecord", [this](Words &) { return describe(*m_once); }},
         {"set", [this](Words &w) { return setValue(w); }},
