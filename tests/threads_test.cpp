@@ -99,7 +99,56 @@ protected:
         driver.SetRegisterData("", kind, address, 1, &value, length, 1, 1);
     }
 
+    void startReaders()
+    {
+        for (int reader = 0; reader < 2; ++reader) {
+            beside(
+                [this, seen = 0](int) mutable { // as one reply brought it, and none before the last
+                    const QByteArray block = valueOf(COUNTED, BLOCK);
+                    torn += block != filled(firstOf(block), BLOCK) || firstOf(block) < seen;
+                    seen = firstOf(block);
+                });
+        }
+        beside([this](int) {
+            const QByteArray block = valueOf(WRITTEN, BLOCK);
+            torn += block != filled(firstOf(block), BLOCK);
+            const QByteArray halves = valueOf(DWORD, 2);
+            torn += firstOf(halves) != 0 && firstOf(halves) != (firstOf(halves.mid(2)) ^ 0xFFFF);
+        });
+    }
+
+    void startWriters()
+    {
+        beside([this](int turn) {
+            set(KIND_HOLDING_WORD, QString::number(WRITTEN), filled(turn, BLOCK), BLOCK);
+            set(KIND_HOLDING_DWORD, QString::number(DWORD / 2),
+                filled(turn, 1) + filled(turn ^ 0xFFFF, 1), 2);
+            lastWritten = turn;
+        });
+        beside([this](int turn) { // four bits of the low byte, and the high byte beside them
+            set(KIND_HOLDING_BIT, QString("%1.%2").arg(2 * SHARED).arg(turn % 4), filled(1, 1), 1);
+            set(KIND_HOLDING_BYTE, QString::number(2 * SHARED + 1), filled(0x5A, 1), 1);
+            if (turn % 64 == 1)
+                driver.customMessageHandler(QtDebugMsg, "bits");
+        });
+        beside([this](int turn) {
+            driver.ReCreatReadVarList(&items);
+            RW_VAR once;
+            once.varKind = KIND_INPUT_WORD;
+            once.addrText = QString::number(turn % 50);
+            once.areaNo = link.localArea;
+            once.count = 3;
+            driver.AddListOnceReadVar(&once, QUEUE_CHECKED);
+            if (turn % 64 == 1)
+                driver.customMessageHandler(QtDebugMsg, "list");
+        });
+        beside([this](int turn) { driver.EnCommStation(2 + turn % 2, turn % 3); });
+    }
+
+    const QList<VAR_ITEM> items = itemsFrom("7:0:100 7:200:100 10:150:2 7:400:1 8:7:3");
     SlaveMemory slaves; // of the communication thread
+    std::atomic<int> lastWritten{0};
+    std::atomic<int> torn{0};
 
 private:
     std::atomic<bool> m_stop{false};
@@ -110,53 +159,13 @@ private:
 TEST_F(ThreadsTest, EveryValueThatIsReadWasThereAtOneTime)
 {
     const int exchanges = qMin(numberFrom("VELKO_EXCHANGES", SLOW_MACHINE ? 3000 : 20000), 0xFFFF);
-    const QList<VAR_ITEM> items = itemsFrom("7:0:100 7:200:100 10:150:2 7:400:1 8:7:3");
     link.maxRegs = BLOCK;
     driver.ReCreatReadVarList(&items);
-    std::atomic<int> lastWritten{0};
-    std::atomic<int> torn{0};
     const QTemporaryDir folder; // for the log
     QDir::setCurrent(folder.path());
 
-    for (int reader = 0; reader < 2; ++reader) {
-        beside(
-            [&, this, seen = 0](int) mutable { // as one reply brought it, and none before the last
-                const QByteArray block = valueOf(COUNTED, BLOCK);
-                torn += block != filled(firstOf(block), BLOCK) || firstOf(block) < seen;
-                seen = firstOf(block);
-            });
-    }
-    beside([&, this](int) {
-        const QByteArray block = valueOf(WRITTEN, BLOCK);
-        torn += block != filled(firstOf(block), BLOCK);
-        const QByteArray halves = valueOf(DWORD, 2);
-        torn += firstOf(halves) != 0 && firstOf(halves) != (firstOf(halves.mid(2)) ^ 0xFFFF);
-    });
-    beside([&, this](int turn) {
-        set(KIND_HOLDING_WORD, QString::number(WRITTEN), filled(turn, BLOCK), BLOCK);
-        set(KIND_HOLDING_DWORD, QString::number(DWORD / 2),
-            filled(turn, 1) + filled(turn ^ 0xFFFF, 1), 2);
-        lastWritten = turn;
-    });
-    beside([this](int turn) { // four bits of the low byte, and the high byte beside them
-        set(KIND_HOLDING_BIT, QString("%1.%2").arg(2 * SHARED).arg(turn % 4), filled(1, 1), 1);
-        set(KIND_HOLDING_BYTE, QString::number(2 * SHARED + 1), filled(0x5A, 1), 1);
-        if (turn % 64 == 1)
-            driver.customMessageHandler(QtDebugMsg, "bits");
-    });
-    beside([&, this](int turn) {
-        driver.ReCreatReadVarList(&items);
-        RW_VAR once;
-        once.varKind = KIND_INPUT_WORD;
-        once.addrText = QString::number(turn % 50);
-        once.areaNo = link.localArea;
-        once.count = 3;
-        driver.AddListOnceReadVar(&once, QUEUE_CHECKED);
-        if (turn % 64 == 1)
-            driver.customMessageHandler(QtDebugMsg, "list");
-    });
-    beside([this](int turn) { driver.EnCommStation(2 + turn % 2, turn % 3); });
-
+    startReaders();
+    startWriters();
     fillSlave(WRITTEN, 0, BLOCK);
     fillSlave(DWORD, 0, 2);
     fillSlave(SHARED, 0, 1);
