@@ -2,6 +2,7 @@
 
 #include "driver/modbus_rtu_master.h"
 #include "driver/reply_judgement.h"
+#include "driver/rotation.h"
 
 #include <QMutexLocker>
 
@@ -72,7 +73,7 @@ void rotateHead(QList<RW_VAR> &list)
     if (list.isEmpty())
         return;
     passRetValue(list.first(), PLC_driver.retVar);
-    list.move(0, list.size() - 1);
+    rotate(list);
 }
 
 void advanceList(bool local)

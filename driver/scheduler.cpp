@@ -1,5 +1,6 @@
 // Which request goes out next: writes, then one-shot reads, then the cyclic list.
 #include "driver/modbus_rtu_master.h"
+#include "driver/rotation.h"
 #include "driver/station_table.h"
 #include "frames/Func_Read.h"
 #include "frames/Func_Remote.h"
@@ -32,7 +33,7 @@ bool serveHead(QList<RW_VAR> &list, FrameBuilder build)
 {
     for (int left = list.size(); left > 0; --left) {
         if (Ethernetcontains(list.first().station)) {
-            list.move(0, list.size() - 1);
+            rotate(list);
             continue;
         }
         build(&list.first());

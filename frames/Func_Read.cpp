@@ -11,6 +11,9 @@ namespace
 const int READ_HOLDING_REGISTERS = 0x03;
 const int READ_INPUT_REGISTERS = 0x04;
 
+// Station, function, first register, number of registers, CRC.
+const int READ_REQUEST_BYTES = 8;
+
 } // namespace
 
 Protocol ReadAnalog(const RW_VAR &record)
@@ -19,6 +22,7 @@ Protocol ReadAnalog(const RW_VAR &record)
     const int firstRegister = (record.addr & 0xFFFF) + getPlcAdd(record.varKind);
 
     Protocol request;
+    request.frame.reserve(READ_REQUEST_BYTES);
     putByte(request.frame, record.station);
     putByte(request.frame,
             record.varKind == AREA_INPUT ? READ_INPUT_REGISTERS : READ_HOLDING_REGISTERS);

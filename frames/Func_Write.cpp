@@ -67,13 +67,14 @@ Protocol WriteBool(const RW_VAR &record)
     const int firstRegister = record.addr / REGISTER_BYTES + getPlcAdd(record.varKind);
 
     Protocol request;
+    request.frame.reserve(WRITE_HEADER_BYTES + REGISTER_BYTES * registers + CHECK_BYTES);
     putByte(request.frame, record.station);
     putByte(request.frame, WRITE_MULTIPLE_REGISTERS);
     putWord(request.frame, firstRegister);
     putWord(request.frame, registers);
     putByte(request.frame, REGISTER_BYTES * registers);
     // A double word needs no order of its own: its low half is its lower register.
-    request.frame.append(swappedRegisters(record.value, 0, registers));
+    request.frame.append(swappedRegisters(record.value, registers));
     appendCRC(request.frame);
 
     request.frameLen = request.frame.size();

@@ -32,12 +32,18 @@ int wordAt(const QByteArray &frame, int index)
     return high << BYTE_BITS | low;
 }
 
-QByteArray swappedRegisters(const QByteArray &bytes, int index, int registers)
+void swapRegisters(const char *from, int registers, char *to)
+{
+    for (int i = 0; i < registers; ++i) {
+        to[2 * i] = from[2 * i + 1];
+        to[2 * i + 1] = from[2 * i];
+    }
+}
+
+QByteArray swappedRegisters(const QByteArray &bytes, int registers)
 {
     QByteArray swapped(2 * registers, '\0');
-    const int present = qMin(bytes.size() - index, swapped.size());
-    char *to = swapped.data();
-    for (int i = 0; i < present; ++i)
-        to[i ^ 1] = bytes.at(index + i);
+    const QByteArray whole = bytes.leftJustified(swapped.size(), '\0', true);
+    swapRegisters(whole.constData(), registers, swapped.data());
     return swapped;
 }

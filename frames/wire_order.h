@@ -13,8 +13,11 @@ void putLong(QByteArray &frame, int value);
 /// The register at byte `index` of a frame; the frame holds it.
 int wordAt(const QByteArray &frame, int index);
 
-/// `registers` registers from byte `index` of `bytes` on, each with its two bytes exchanged. Bytes
-/// that are not there count as 0.
-QByteArray swappedRegisters(const QByteArray &bytes, int index, int registers);
+/// Copies `registers` registers, each with its two bytes exchanged. The two do not overlap.
+void swapRegisters(const char *from, int registers, char *to);
+
+/// The first `registers` registers of `bytes`, each with its two bytes exchanged. Bytes that are not
+/// there count as 0.
+QByteArray swappedRegisters(const QByteArray &bytes, int registers);
 
 #endif

@@ -36,6 +36,16 @@ void mergeInto(RW_VAR &current, const RW_VAR &next)
         current.count = static_cast<int>(endOf(next) - current.addr);
 }
 
+// In ascending order of station and area.
+template <typename Work> void forEachGroup(RequestGroups &groups, const Work &work)
+{
+    for (RequestGroups::iterator station = groups.begin(); station != groups.end(); ++station) {
+        QMap<int, QList<RW_VAR>>::iterator area = station->begin();
+        for (; area != station->end(); ++area)
+            work(*area);
+    }
+}
+
 RW_VAR cyclicTemplate(const ComInfo &info)
 {
     RW_VAR record;
@@ -61,6 +71,7 @@ bool fillFromItem(RW_VAR &record, const VAR_ITEM &item, int station)
     return range.count <= LIMIT_REGISTERS;
 }
 
+// One group for each station and area, sorted.
 RequestGroups groupItems(const QList<VAR_ITEM> &items, const ComInfo &info)
 {
     RequestGroups groups;
@@ -69,18 +80,8 @@ RequestGroups groupItems(const QList<VAR_ITEM> &items, const ComInfo &info)
         if (fillFromItem(record, items.at(i), info.defaultStation))
             groups[record.station][record.varKind].append(record);
     }
+    forEachGroup(groups, [](QList<RW_VAR> &group) { Bubble_Sort(&group); });
     return groups;
-}
-
-void mergeGroups(RequestGroups &groups, int maxRegs)
-{
-    for (RequestGroups::iterator station = groups.begin(); station != groups.end(); ++station) {
-        QMap<int, QList<RW_VAR>>::iterator area = station->begin();
-        for (; area != station->end(); ++area) {
-            Bubble_Sort(&*area);
-            BitVarReCreat(&*area, maxRegs);
-        }
-    }
 }
 
 } // namespace
@@ -126,17 +127,20 @@ int ReCreatReadVarList(const QList<VAR_ITEM> *items)
     ComInfo *const info = PLC_driver.comInfo;
     if (!info)
         return 0;
+    // What takes long is done before the lock is taken and, for the old list, after it was released:
+    // the communication loop goes on meanwhile.
+    const int maxRegs = info->maxRegs;
+    RequestGroups groups = items ? groupItems(*items, *info) : RequestGroups();
+    QList<RW_VAR> old;
     const QMutexLocker lock(&PLC_driver.listMutex);
     if (!items)
         return PLC_driver.readList.size();
-    PLC_driver.readList.clear();
+    old.swap(PLC_driver.readList);
     if (items->isEmpty())
         return 0;
-    const int maxRegs = info->maxRegs;
     PLC_driver.cycleCount = 0;
     info->cycleDone = 0;
-    RequestGroups groups = groupItems(*items, *info);
-    mergeGroups(groups, maxRegs);
+    forEachGroup(groups, [maxRegs](QList<RW_VAR> &group) { BitVarReCreat(&group, maxRegs); });
     return PLC_driver.readList.size();
 }
 

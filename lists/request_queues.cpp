@@ -10,16 +10,18 @@ namespace
 
 const int NOT_QUEUED = -1;
 
+// The address first, since it is what differs between the pieces of a long write: each of them is
+// compared with the whole queue.
 bool haveSameRange(const RW_VAR &left, const RW_VAR &right)
 {
-    return left.station == right.station && left.varKind == right.varKind && left.addr == right.addr
+    return left.addr == right.addr && left.station == right.station && left.varKind == right.varKind
            && left.count == right.count;
 }
 
 bool haveSameTarget(const RW_VAR &left, const RW_VAR &right)
 {
-    return left.ownerId == right.ownerId && left.ownerTag == right.ownerTag
-           && haveSameRange(left, right);
+    return haveSameRange(left, right) && left.ownerId == right.ownerId
+           && left.ownerTag == right.ownerTag;
 }
 
 int indexOf(const QList<RW_VAR> &queue, const RW_VAR &request, int from,

@@ -36,9 +36,8 @@ void SaveToLocalDataErea(const QByteArray *reply)
     const int registers = (reply->size() - READ_HEADER_BYTES - CHECK_BYTES) / 2;
     if (registers <= 0)
         return;
-    const QByteArray data = swappedRegisters(*reply, READ_HEADER_BYTES, registers);
-    const qint64 first = 2 * static_cast<qint64>(request.addr);
-    writeBytes(areaImage(request.station, request.varKind), first, data.size(), data);
+    writeRegisters(areaImage(request.station, request.varKind), request.addr,
+                   reply->constData() + READ_HEADER_BYTES, registers);
 }
 
 void SpecialRegisterSave(const QByteArray *reply)

@@ -34,33 +34,33 @@ qint64 imageBytes(WidthClass width, qint64 length)
 
 // --- Reading ---
 
-QByteArray readBits(const AreaImage &image, qint64 offset, int length)
+// Bytes that `length` units take in what the host gets, 1 unit or more.
+int outputBytes(WidthClass width, int length)
 {
-    QByteArray bits;
-    bits.reserve(length);
-    for (qint64 bit = offset; bit < offset + length; ++bit)
-        bits.append(static_cast<char>(readByte(image, bit / BYTE_BITS) >> bit % BYTE_BITS & 1));
-    return bits;
+    switch (width) {
+    case WIDTH_BIT:
+        return length;
+    case WIDTH_BYTE: // hosts know a byte run by its double length, the second half 0
+        return 2 * length;
+    default:
+        return static_cast<int>(imageBytes(width, length));
+    }
 }
 
-QByteArray readBytes(const AreaImage &image, qint64 offset, int length, int paddedLength)
+void readBits(const AreaImage &image, qint64 offset, int length, char *to)
 {
-    QByteArray bytes(paddedLength, '\0');
-    char *const to = bytes.data();
-    for (int i = 0; i < length; ++i)
-        to[i] = static_cast<char>(readByte(image, offset + i));
-    return bytes;
+    for (int i = 0; i < length; ++i) {
+        const qint64 bit = offset + i;
+        to[i] = static_cast<char>(readByte(image, bit / BYTE_BITS) >> bit % BYTE_BITS & 1);
+    }
 }
 
-QByteArray readUnits(const AreaImage &image, WidthClass width, int offset, int length)
+void readUnits(const AreaImage &image, WidthClass width, int offset, int length, char *to)
 {
-    if (length < 1)
-        return QByteArray();
     if (width == WIDTH_BIT)
-        return readBits(image, offset, length);
-    const int bytes = static_cast<int>(imageBytes(width, length));
-    // Hosts know a byte run by its double length, the second half 0.
-    return readBytes(image, offset, bytes, width == WIDTH_BYTE ? 2 * bytes : bytes);
+        readBits(image, offset, length, to);
+    else
+        readBytes(image, offset, static_cast<int>(imageBytes(width, length)), to);
 }
 
 // --- Writing to the device ---
@@ -165,8 +165,16 @@ int GetRegisterData(int, int kind, const QString &addrText, int station, QByteAr
     const int offset = StringAddressToInt(kind, addrText);
     if (!output || offset < 0 || passesRegisterLimit(kind, offset, length))
         return 0;
-    const QMutexLocker lock(&PLC_driver.storeMutex);
-    *output = readUnits(areaImage(station, getPlcReg(kind)), widthOf(kind), offset, length);
+    const WidthClass width = widthOf(kind);
+    // Made and handed over outside the lock, so that the communication loop waits for nothing else.
+    QByteArray value = length > 0 ? QByteArray(outputBytes(width, length), '\0') : QByteArray();
+    {
+        const QMutexLocker lock(&PLC_driver.storeMutex);
+        const AreaImage &image = areaImage(station, getPlcReg(kind));
+        if (length > 0)
+            readUnits(image, width, offset, length, value.data());
+    }
+    *output = value;
     return 1;
 }
 

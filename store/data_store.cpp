@@ -1,6 +1,7 @@
 #include "store/data_store.h"
 
 #include "driver/modbus_rtu_master.h"
+#include "frames/wire_order.h"
 
 #include <cstring>
 
@@ -8,6 +9,7 @@ namespace
 {
 
 const int BYTE_BITS = 8;
+const int REGISTER_BYTES = 2;
 
 // The part of a run, counted from its beginning, that falls into [0, limit).
 struct Inside {
@@ -21,6 +23,7 @@ struct Inside {
     }
 
     bool isEmpty() const { return first >= last; }
+    int size() const { return static_cast<int>(last - first); }
 };
 
 // `bytes` is 1 to LIMIT_IMAGE_BYTES.
@@ -53,15 +56,35 @@ unsigned char readByte(const AreaImage &image, qint64 index)
     return static_cast<unsigned char>(image.at(static_cast<int>(index)));
 }
 
+void readBytes(const AreaImage &image, qint64 index, int length, char *to)
+{
+    const Inside run(index, length, image.size());
+    if (!run.isEmpty())
+        std::memcpy(to + run.first, image.constData() + index + run.first,
+                    static_cast<size_t>(run.size()));
+}
+
+void writeRegisters(AreaImage &image, qint64 first, const char *wire, int registers)
+{
+    const Inside run(first, registers, LIMIT_IMAGE_BYTES / REGISTER_BYTES);
+    if (run.isEmpty())
+        return;
+    growImage(image, REGISTER_BYTES * (first + run.last));
+    swapRegisters(wire + REGISTER_BYTES * run.first, run.size(),
+                  image.data() + REGISTER_BYTES * (first + run.first));
+}
+
 void writeBytes(AreaImage &image, qint64 index, qint64 length, const QByteArray &bytes)
 {
     const Inside run(index, length, LIMIT_IMAGE_BYTES);
     if (run.isEmpty())
         return;
     growImage(image, index + run.last);
-    char *const to = image.data();
-    for (qint64 i = run.first; i < run.last; ++i)
-        to[index + i] = byteOrZero(bytes, i);
+    char *const to = image.data() + index + run.first;
+    std::memset(to, 0, static_cast<size_t>(run.size()));
+    const qint64 given = qMin<qint64>(bytes.size(), run.last) - run.first;
+    if (given > 0)
+        std::memcpy(to, bytes.constData() + run.first, static_cast<size_t>(given));
 }
 
 void writeBits(AreaImage &image, qint64 bit, qint64 length, const QByteArray &bytes)
