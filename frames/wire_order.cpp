@@ -34,9 +34,9 @@ int wordAt(const QByteArray &frame, int index)
 
 void swapRegisters(const char *from, int registers, char *to)
 {
-    for (int i = 0; i < registers; ++i) {
-        to[2 * i] = from[2 * i + 1];
-        to[2 * i + 1] = from[2 * i];
+    for (int i = 0; i < 2 * registers; i += 2) {
+        to[i] = from[i + 1];
+        to[i + 1] = from[i];
     }
 }
 

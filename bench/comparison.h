@@ -1,0 +1,22 @@
+// The driver's plan of a set of variables beside other plans of it.
+#pragma once
+
+#include "bench/plan_cost.h"
+#include "bench/tag_sets.h"
+
+struct Method {
+    std::string id;
+    std::string name;
+    std::vector<double> costs; ///< one for each measure
+};
+
+struct Comparison {
+    TagSet set;
+    int variables;
+    std::vector<Method> methods; ///< the driver first, the best possible last
+    std::vector<double> lostInGaps;
+};
+
+/// Throws std::runtime_error where the driver's plan is wrong.
+Comparison compare(const std::string &library, TagSet set, const std::vector<Variable> &variables,
+                   int maxRegs, const std::vector<Measure> &measures);
