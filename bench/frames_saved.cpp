@@ -20,8 +20,6 @@ struct Options {
     int maxRegs = 125;
     unsigned seed = 1;
     double turnaround = 0;
-    int samples = 1;
-    bool isBrief = false;
     bool asTable = false;
     bool asCsv = false;
 };
@@ -31,12 +29,9 @@ using Measures = std::vector<Measure>;
 
 Comparisons compareAll(const Options &options, const Measures &measures)
 {
-    std::vector<int> sizes = {100, 300, 1000};
-    if (!options.isBrief)
-        sizes.insert(sizes.end(), {3000, 10000});
     Comparisons all;
     for (const TagSet set : {TagSet::DENSE, TagSet::SCATTERED, TagSet::MIXED})
-        for (const int size : sizes)
+        for (const int size : {100, 300, 1000, 3000, 10000})
             all.push_back(compare(options.library, set, makeTags(set, size, options.seed),
                                   options.maxRegs, measures));
     return all;
@@ -72,9 +67,8 @@ void printJson(const Comparison &comparison, const Measure &measure, const std::
     std::puts(QJsonDocument(figures).toJson(QJsonDocument::Compact).constData());
 }
 
-void printJson(const Comparison &comparison, const Measures &measures, unsigned seed)
+void printJson(const Comparison &comparison, const Measures &measures)
 {
-    const QJsonValue seedValue(static_cast<qint64>(seed));
     const std::vector<Method> &methods = comparison.methods;
     for (size_t i = 0; i < measures.size(); ++i) {
         const QJsonArray ours = samples(methods.front().costs[i]);
@@ -82,11 +76,10 @@ void printJson(const Comparison &comparison, const Measures &measures, unsigned 
             printJson(comparison, measures[i], "vs-" + methods[m].id, "",
                       {{"ours", ours},
                        {"peer", samples(methods[m].costs[i])},
-                       {"peer_name", QString::fromStdString(methods[m].name)},
-                       {"seed", seedValue}});
+                       {"peer_name", QString::fromStdString(methods[m].name)}});
         if (measures[i].unit != "requests") // splitting saves none
             printJson(comparison, measures[i], "lost-in-gaps", ", lost in gaps",
-                      {{"ours", samples(comparison.lostInGaps[i])}, {"seed", seedValue}});
+                      {{"ours", samples(comparison.lostInGaps[i])}});
     }
 }
 
@@ -147,9 +140,6 @@ void addOptions(CLI::App &program, Options &options)
                     "Milliseconds that the slave takes to answer")
         ->check(CLI::Range(0.0, 1000.0))
         ->capture_default_str();
-    program.add_option("--samples", options.samples,
-                       "No effect: what is computed is the same each time");
-    program.add_flag("--brief", options.isBrief, "Up to 1,000 variables");
     CLI::Option *const table = program.add_flag("--table", options.asTable, "A table for people");
     program.add_flag("--csv", options.asCsv, "Rows for the plot")->excludes(table);
 }
@@ -164,7 +154,7 @@ void run(const Options &options)
         printCsv(all, measures);
     else
         for (const Comparison &comparison : all)
-            printJson(comparison, measures, options.seed);
+            printJson(comparison, measures);
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
         throw std::runtime_error("the output could not be written");
 }
