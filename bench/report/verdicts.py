@@ -1,0 +1,47 @@
+"""Limits, and the counts of the last time that somebody looked at them."""
+import json
+import pathlib
+import tomllib
+
+FOLDER = pathlib.Path(__file__).resolve().parent.parent
+LIMITS = FOLDER / "limits.toml"
+STORED = FOLDER / "stored_counts.json"
+COUNTED_UNITS = ("instructions", "allocations", "system calls")
+TOLERATED = 1.10
+
+
+def limit_problems(row, limit):
+    value, ratio = row.our_median(), row.ratio()
+    if "at_most" in limit and value > limit["at_most"]:
+        yield f"{value:g}, more than the {limit['at_most']:g} allowed"
+    if "at_least" in limit and value < limit["at_least"]:
+        yield f"{value:g}, less than the {limit['at_least']:g} wanted"
+    if "ratio_at_most" in limit and (ratio is None or ratio > limit["ratio_at_most"]):
+        yield f"{ratio or 0:.3g} times the peer's, more than the {limit['ratio_at_most']:g} allowed"
+
+
+def stored_problems(row, stored):
+    value = row.our_median()
+    if row.unit in COUNTED_UNITS and row.id in stored and value > TOLERATED * stored[row.id]:
+        yield (f"{value:g} {row.unit}, more than 10 % above the stored {stored[row.id]:g}; mend it, or "
+               "store the new one with scripts/bench --store")
+
+
+def judge(rows, brief):
+    """What is wrong, as lines. A limit or stored count that no row answers to is wrong as well."""
+    limits = tomllib.loads(LIMITS.read_text())
+    stored = json.loads(STORED.read_text()) if STORED.exists() else {}
+    problems = []
+    for row in rows:
+        found = [*limit_problems(row, limits.get(row.id, {})), *stored_problems(row, stored)]
+        problems += [f"{row.id} ({row.title}): {problem}" for problem in found]
+    measured = {row.id for row in rows}
+    expected = {name for name, limit in limits.items() if not (brief and limit.get("full_run_only"))}
+    problems += [f"{name}: has a limit or a stored count, but was not measured"
+                 for name in sorted((expected | set(stored)) - measured)]
+    return problems
+
+
+def store(rows):
+    counts = {row.id: round(row.our_median(), 2) for row in rows if row.unit in COUNTED_UNITS}
+    STORED.write_text(json.dumps(dict(sorted(counts.items())), indent=4) + "\n")
