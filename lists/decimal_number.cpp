@@ -3,8 +3,35 @@
 #include <QLocale>
 #include <QtGlobal>
 
+namespace
+{
+
+const int NOT_PLAIN = -1;
+const int MAX_PLAIN_DIGITS = 9; // what always fits
+
+// Nearly all addresses are a few plain digits, which mean the same in every locale. Qt takes some five
+// hundred instructions for them, half of what reading a value costs.
+int plainNumber(const QString &text)
+{
+    if (text.isEmpty() || text.size() > MAX_PLAIN_DIGITS)
+        return NOT_PLAIN;
+    int number = 0;
+    for (int i = 0; i < text.size(); ++i) {
+        const int digit = text.at(i).unicode() - '0';
+        if (digit < 0 || digit > 9)
+            return NOT_PLAIN;
+        number = 10 * number + digit;
+    }
+    return number;
+}
+
+} // namespace
+
 int decimalNumber(const QString &text)
 {
+    const int plain = plainNumber(text);
+    if (plain != NOT_PLAIN)
+        return plain;
 #if QT_VERSION < 0x050000
     return text.toInt();
 #else

@@ -1,0 +1,181 @@
+#!/usr/bin/python3
+"""The driver against libmodbus, each in a small master of its own (masters/), on the same simulated PLC
+whose line takes no time.
+
+Prints a JSON object a line: exchanges per second; system calls of an exchange; processor time and
+instructions for a variable that is read. Start-up is in none of the figures: the pace is taken from what
+the PLC saw, the others are differences of a longer run and a shorter one.
+"""
+import functools
+import pathlib
+import resource
+import sys
+import tempfile
+
+sys.dont_write_bytecode = True  # no folder of compiled files in the tree
+import measurement
+from counting import counted
+from simulated_line import SimulatedLine, run
+
+VARIABLES = 1000
+SEED = 1  # a set that fits into the registers of the simulated PLC
+
+ONE_EACH = "one libmodbus call for each variable"
+GROUPED = "libmodbus calls of 125 registers, grouped by hand"
+
+POLL_FILE = """[[link]]
+name = "line"
+device = "{device}"
+timeout = 1000
+maxRegs = 125
+[[link.variable]]
+name = "block"
+kind = "holding word"
+address = 0
+count = 32
+"""
+
+
+def driver(options, device, *arguments):
+    return [options.master_driver, device, "--library", options.driver, *map(str, arguments)]
+
+
+def libmodbus(options, device, *arguments):
+    return [options.master_libmodbus, device, *map(str, arguments)]
+
+
+def grouped(options, device, *arguments):
+    return libmodbus(options, device, "--grouped", *arguments)
+
+
+def dense_set(cycles):
+    return ["--variables", VARIABLES, "--seed", SEED, "--cycles", cycles]
+
+
+# --- Exchanges per second ---
+
+def rate(options, master, registers, cycles):
+    with SimulatedLine(options.panelhost) as line:
+        run(master(options, line.device, "--registers", registers, "--cycles", cycles))
+    if len(line.capture.arrivals()) != cycles:
+        raise RuntimeError(f"the PLC saw {len(line.capture.arrivals())} requests of {cycles}")
+    return 1 / line.capture.period(registers)
+
+
+def report_rates(options):
+    # The pace swings with the processors that the system chooses for master and PLC: more and shorter samples
+    # than of the rest.
+    samples, cycles = (1, 1000) if options.brief else (3 * options.samples, 4000)
+    for registers, noun in ((1, "register"), (32, "registers"), (125, "registers")):
+        ours, peer = measurement.in_turn(
+            samples, *(functools.partial(rate, options, master, registers, cycles)
+                               for master in (driver, libmodbus)))
+        measurement.report(f"line-rate-{registers}", f"exchanges per second, {registers} {noun}", "1/s",
+                           ours, peer, "libmodbus")
+
+
+# --- Processor time ---
+
+def processor_seconds(command):
+    """User and system time. The PLC, a child as well, counts only when it has ended."""
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+    run(command)
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+
+
+def microseconds_per_variable(options, master, cycles):
+    few = cycles // 10
+    with SimulatedLine(options.panelhost) as line:
+        short, long = (processor_seconds(master(options, line.device, *dense_set(number)))
+                       for number in (few, few + cycles))
+    return 1e6 * (long - short) / (cycles * VARIABLES)
+
+
+def report_processor_time(options):
+    single, groups = (10, 100) if options.brief else (20, 1000)
+    ours, one_each, in_groups = measurement.in_turn(
+        options.samples,
+        *(functools.partial(microseconds_per_variable, options, master, cycles)
+          for master, cycles in ((driver, groups), (libmodbus, single), (grouped, groups))))
+    title = "processor time per variable and cycle, against "
+    measurement.report("line-time-single", title + ONE_EACH, "us",
+                       ours, one_each, "libmodbus")
+    measurement.report("line-time-grouped", title + GROUPED, "us",
+                       ours, in_groups, "libmodbus, grouped")
+
+
+# --- System calls and instructions ---
+
+def counts(options, command_for):
+    """Of two runs, the second one twice as long, beside the requests that the PLC saw. `command_for(device,
+    times)`: the command of a master."""
+    for times in (1, 2):
+        with SimulatedLine(options.panelhost) as line:
+            found = counted(command_for(line.device, times))
+        yield found, len(line.capture.arrivals())
+
+
+def per_exchange_and_variable(options, master, cycles):
+    (few, few_requests), (more, more_requests) = counts(
+        options, lambda device, times: master(options, device, *dense_set(times * cycles)))
+    return ((more.calls - few.calls) / (more_requests - few_requests),
+            (more.instructions - few.instructions) / (cycles * VARIABLES))
+
+
+def calls_of_host(options):
+    with tempfile.TemporaryDirectory() as folder:
+        def poll(device, times):
+            file = pathlib.Path(folder, "poll.toml")
+            file.write_text(POLL_FILE.format(device=device), encoding="utf-8")
+            return [options.panelhost, "poll", file, "--lines", "--cycles", str(100 * times)]
+
+        (few, few_requests), (more, more_requests) = counts(options, poll)
+    return (more.calls - few.calls) / (more_requests - few_requests)
+
+
+def instructions_per_exchange(options, master, registers):
+    cycles = 100
+    (few, _), (more, _) = counts(options, lambda device, times: master(
+        options, device, "--registers", registers, "--cycles", times * cycles))
+    return (more.instructions - few.instructions) / cycles
+
+
+def report_exchanges(options):
+    for registers, noun in ((1, "register"), (125, "registers")):
+        ours, peer = measurement.in_turn(
+            1 if options.brief else 2,
+            *(functools.partial(instructions_per_exchange, options, master, registers)
+              for master in (driver, libmodbus)))
+        measurement.report(f"line-exchange-{registers}",
+                           f"one exchange of {registers} {noun} with its checksums, and one GetRegisterData",
+                           "instructions", ours, peer, "libmodbus")
+
+
+def report_counts(options):
+    *masters, host = measurement.in_turn(
+        1 if options.brief else 2,
+        *(functools.partial(per_exchange_and_variable, options, master, cycles)
+          for master, cycles in ((driver, 10), (libmodbus, 1), (grouped, 10))),
+        functools.partial(calls_of_host, options))
+    (calls, instructions), (peer_calls, one_each), (_, in_groups) = (list(zip(*samples)) for samples in masters)
+    measurement.report("line-calls", "system calls per exchange", "system calls", calls, peer_calls, "libmodbus")
+    measurement.report("line-calls-host", "system calls per exchange, the reference host's communication thread",
+                       "system calls", host, peer_calls, "libmodbus")
+    title = "per variable and cycle, in user space, against "
+    measurement.report("line-instructions-single", title + ONE_EACH, "instructions",
+                       instructions, one_each, "libmodbus")
+    measurement.report("line-instructions-grouped", title + GROUPED, "instructions",
+                       instructions, in_groups, "libmodbus, grouped")
+
+
+def main():
+    options = measurement.parse(__doc__)
+    report_rates(options)
+    report_processor_time(options)
+    report_counts(options)
+    report_exchanges(options)
+
+
+if __name__ == "__main__":
+    measurement.finish(main)

@@ -1,0 +1,101 @@
+// A master that has the driver do its work: the file is loaded as a panel's runtime does, and the
+// loop around it is as short as it can be.
+//
+// No silence is kept between frames, as libmodbus keeps none: both are for a line that takes no time.
+#include "bench/masters/poll_task.h"
+#include "bench/masters/raw_port.h"
+#include "host/library/driver_library.h"
+
+#include <cstring>
+#include <stdexcept>
+
+namespace
+{
+
+const int MAX_REGISTERS = 125;
+
+class DriverMaster
+{
+public:
+    DriverMaster(const std::string &library, const PollTask &task)
+        : m_driver(library),
+          m_port(task.device()),
+          m_items(task.items())
+    {
+        m_info.maxRegs = MAX_REGISTERS;
+        m_info.defaultStation = STATION;
+        m_driver.SetComInfo(&m_info);
+        m_requests = m_driver.ReCreatReadVarList(&m_items);
+        std::vector<Place> places;
+        for (const VAR_ITEM &item : qAsConst(m_items))
+            places.push_back(placeOf(item));
+        m_expected = plcValues(places);
+        m_values.resize(m_expected.size());
+    }
+
+    void run(int cycles)
+    {
+        for (int cycle = 0; cycle < cycles; ++cycle) {
+            for (int i = 0; i < m_requests; ++i)
+                exchange();
+            takeValues();
+            requireSame(m_values, m_expected);
+        }
+    }
+
+private:
+    void exchange()
+    {
+        const Protocol *const request = m_driver.ComCommunication();
+        if (!request)
+            throw std::runtime_error("the driver has nothing to send");
+        m_port.write(request->frame.constData(), request->frameLen);
+        const int count = m_port.read(request->replyLen);
+        const QByteArray reply = QByteArray::fromRawData(m_port.bytes(), count);
+        const int result = m_driver.DataCom(&reply, count)->retCode;
+        if (result != RESULT_GOOD)
+            throw std::runtime_error("the driver's verdict is " + std::to_string(result));
+    }
+
+    // As a screen does: each variable by its address text.
+    void takeValues()
+    {
+        size_t place = 0;
+        QByteArray bytes;
+        for (const VAR_ITEM &item : qAsConst(m_items)) {
+            m_driver.GetRegisterData(0, item.kind, item.addrText, STATION, &bytes, item.length);
+            const auto registers = static_cast<size_t>(bytes.size()) / sizeof(uint16_t);
+            if (place + registers > m_values.size())
+                throw std::runtime_error("the driver returns more than was asked for");
+            // Low byte first, as this machine has it.
+            std::memcpy(&m_values[place], bytes.constData(), registers * sizeof(uint16_t));
+            place += registers;
+        }
+    }
+
+    const DriverLibrary m_driver;
+    RawPort m_port;
+    const QList<VAR_ITEM> m_items;
+    ComInfo m_info;
+    int m_requests = 0;
+    std::vector<uint16_t> m_expected;
+    std::vector<uint16_t> m_values;
+};
+
+int run(int argc, char **argv)
+{
+    CLI::App program("Reads variables with the driver.");
+    const PollTask task(program);
+    std::string library;
+    program.add_option("--library", library, "the driver's file, with a /")->required();
+    CLI11_PARSE(program, argc, argv);
+    DriverMaster(library, task).run(task.cycles());
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    return exitStatusOf(run, argc, argv);
+}
