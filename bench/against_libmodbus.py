@@ -20,8 +20,8 @@ from simulated_line import SimulatedLine, run
 VARIABLES = 1000
 SEED = 1  # a set that fits into the registers of the simulated PLC
 
-ONE_EACH = "one libmodbus call for each variable"
-GROUPED = "libmodbus calls of 125 registers, grouped by hand"
+ONE_EACH = "libmodbus, a call for each"
+GROUPED = "libmodbus, grouped by hand"
 
 POLL_FILE = """[[link]]
 name = "line"
@@ -98,11 +98,9 @@ def report_processor_time(options):
         options.samples,
         *(functools.partial(microseconds_per_variable, options, master, cycles)
           for master, cycles in ((driver, groups), (libmodbus, single), (grouped, groups))))
-    title = "processor time per variable and cycle, against "
-    measurement.report("line-time-single", title + ONE_EACH, "us",
-                       ours, one_each, "libmodbus")
-    measurement.report("line-time-grouped", title + GROUPED, "us",
-                       ours, in_groups, "libmodbus, grouped")
+    title = "processor time of a variable, read once"
+    measurement.report("line-time-single", title, "us", ours, one_each, ONE_EACH)
+    measurement.report("line-time-grouped", title, "us", ours, in_groups, GROUPED)
 
 
 # --- System calls and instructions ---
@@ -148,8 +146,7 @@ def report_exchanges(options):
             *(functools.partial(instructions_per_exchange, options, master, registers)
               for master in (driver, libmodbus)))
         measurement.report(f"line-exchange-{registers}",
-                           f"one exchange of {registers} {noun} with its checksums, and one GetRegisterData",
-                           "instructions", ours, peer, "libmodbus")
+                           f"one exchange of {registers} {noun} and GetRegisterData", "instructions", ours, peer, "libmodbus")
 
 
 def report_counts(options):
@@ -159,14 +156,12 @@ def report_counts(options):
           for master, cycles in ((driver, 10), (libmodbus, 1), (grouped, 10))),
         functools.partial(calls_of_host, options))
     (calls, instructions), (peer_calls, one_each), (_, in_groups) = (list(zip(*samples)) for samples in masters)
-    measurement.report("line-calls", "system calls per exchange", "system calls", calls, peer_calls, "libmodbus")
-    measurement.report("line-calls-host", "system calls per exchange, the reference host's communication thread",
-                       "system calls", host, peer_calls, "libmodbus")
-    title = "per variable and cycle, in user space, against "
-    measurement.report("line-instructions-single", title + ONE_EACH, "instructions",
-                       instructions, one_each, "libmodbus")
-    measurement.report("line-instructions-grouped", title + GROUPED, "instructions",
-                       instructions, in_groups, "libmodbus, grouped")
+    measurement.report("line-calls", "one exchange", "system calls", calls, peer_calls, "libmodbus")
+    measurement.report("line-calls-host", "one exchange of the reference host", "system calls", host, peer_calls,
+                       "libmodbus")
+    title = "a variable, read once, in user space"
+    measurement.report("line-instructions-single", title, "instructions", instructions, one_each, ONE_EACH)
+    measurement.report("line-instructions-grouped", title, "instructions", instructions, in_groups, GROUPED)
 
 
 def main():

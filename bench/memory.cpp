@@ -47,16 +47,16 @@ void measureStore()
         for (int i = 0; i < 2 * requests; ++i)
             link.exchange();
     });
-    print("memory-register", "memory per stored register", bytes / (requests * registers));
+    print("memory-register", "one register of the store", bytes / (requests * registers));
 }
 
 } // namespace
 
 int main()
 try {
-    measureRebuild("memory-variable-near", "memory per variable that touches the next",
+    measureRebuild("memory-variable-near", "one variable of the list, touching the next",
                    Spacing::NEAR);
-    measureRebuild("memory-variable-far", "memory per variable with a request of its own",
+    measureRebuild("memory-variable-far", "one variable of the list, with a request of its own",
                    Spacing::FAR);
     measureStore();
     return 0;

@@ -83,14 +83,14 @@ def shares(line, measured):
 def report_share(options, line, seconds):
     host, bare = (shares(line, measured) for measured in periods(options, line, seconds))
     measurement.report(f"line-share-{line.baud}-{line.registers}",
-                       f"share of the wire's speed, {line.baud} baud, {line.registers} registers", "%",
+                       f"{line.baud:,} baud, {line.registers} registers: of the wire's speed", "%",
                        host, bare, "bare master")
 
 
 def report_loss(options, line, seconds):
     host, bare = periods(options, line, seconds)
     measurement.report(f"line-loss-{line.baud}-{line.registers}",
-                       f"lost per exchange beside a bare master, {line.baud} baud, {line.registers} registers", "ms",
+                       f"{line.baud:,} baud, {line.registers} registers: lost per exchange", "ms",
                        [1000 * (one - other) for one, other in zip(host, bare)])
 
 

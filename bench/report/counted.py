@@ -22,7 +22,7 @@ def exchange_rows(program):
     for registers in (1, 125):
         rest, crc, allocations = exchange_counts(program, registers, 1)
         what = f"{registers} register{'s' if registers > 1 else ''}"
-        yield Row(f"exchange-{registers}", f"one exchange of {what}, without its checksums",
+        yield Row(f"exchange-{registers}", f"one exchange of {what}, but for checksums",
                   "instructions", [rest])
         yield Row(f"exchange-allocations-{registers}", f"one exchange of {what}", "allocations",
                   [allocations])
@@ -42,18 +42,18 @@ def get_rows(program):
 
 def rebuild_rows(program):
     largest = 100000
-    for far, what in ((0, "that touch"), (1, "too far apart to merge")):
+    for far, what in ((0, "that touch"), (1, "far apart")):
         base, most = (count([program, "rebuild", 1, size, far]).total / size
                       for size in (1000, largest))
         yield Row(f"rebuild-{'far' if far else 'near'}",
-                  f"rebuild of {largest:,} variables {what}, per variable", "instructions", [most],
+                  f"rebuild of {largest:,} variables {what}, each", "instructions", [most],
                   [base], "1,000 variables")
 
 
 def write_rows(program):
     bits = 10000
     counts = count([program, "write-bits", 1, bits, 0])
-    yield Row("write-bits", f"write of {bits:,} bits in one call, per bit", "instructions",
+    yield Row("write-bits", f"write of {bits:,} bits in one call, each", "instructions",
               [counts.total / bits])
 
 

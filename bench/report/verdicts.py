@@ -22,7 +22,11 @@ def limit_problems(row, limit):
 
 def stored_problems(row, stored):
     value = row.our_median()
-    if row.unit in COUNTED_UNITS and row.id in stored and value > TOLERATED * stored[row.id]:
+    if row.unit not in COUNTED_UNITS:
+        return
+    if row.id not in stored:
+        yield f"{value:g} {row.unit}, and nothing is stored to compare with; scripts/bench --store does"
+    elif value > TOLERATED * stored[row.id]:
         yield (f"{value:g} {row.unit}, more than 10 % above the stored {stored[row.id]:g}; mend it, or "
                "store the new one with scripts/bench --store")
 
@@ -32,7 +36,7 @@ def judge(rows, brief):
     run has too few samples to judge what is timed."""
     limits = {name: limit for name, limit in tomllib.loads(LIMITS.read_text()).items()
               if not (brief and limit.get("timed"))}
-    stored = json.loads(STORED.read_text()) if STORED.exists() else {}
+    stored = json.loads(STORED.read_text())
     problems = []
     for row in rows:
         found = [*limit_problems(row, limits.get(row.id, {})), *stored_problems(row, stored)]
