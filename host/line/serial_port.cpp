@@ -95,6 +95,7 @@ void SerialPort::write(const QByteArray &bytes)
 {
     if (m_port.write(bytes) != bytes.size())
         fail("does not take a frame: " + m_port.errorString().toStdString());
+    m_port.flush(); // most often the system takes all at once, and there is nothing to wait for
     while (m_port.bytesToWrite() > 0)
         if (!m_port.waitForBytesWritten(WRITE_TIMEOUT))
             fail("has gone, or takes no bytes: " + m_port.errorString().toStdString());
