@@ -29,7 +29,8 @@ unsigned char byteAt(const QByteArray &array, int index)
 
 } // namespace
 
-// Unrolled, this loop is a page of code: there is one copy of it, whoever calls it, and profiles show it.
+// Unrolled, this loop is a page of code: there is one copy of it, whoever calls it, and profiles
+// show it.
 __attribute__((noinline)) unsigned short CalCRC(const unsigned char *bytes, unsigned short length)
 {
     const unsigned int polynomial = 0xA001;

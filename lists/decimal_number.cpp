@@ -9,8 +9,8 @@ namespace
 const int NOT_PLAIN = -1;
 const int MAX_PLAIN_DIGITS = 9; // what always fits
 
-// Nearly all addresses are a few plain digits, which mean the same in every locale. Qt takes hundreds of
-// instructions for them, in every call that reads or writes a value.
+// Nearly all addresses are a few plain digits, which mean the same in every locale. Qt takes hundreds
+// of instructions for them, in every call that reads or writes a value.
 int plainNumber(const QString &text)
 {
     if (text.isEmpty() || text.size() > MAX_PLAIN_DIGITS)

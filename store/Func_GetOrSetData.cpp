@@ -166,8 +166,8 @@ int GetRegisterData(int, int kind, const QString &addrText, int station, QByteAr
     if (!output || offset < 0 || passesRegisterLimit(kind, offset, length))
         return 0;
     const WidthClass width = widthOf(kind);
-    // Made before the lock is taken, and what was in `output` freed after its release: the communication
-    // loop waits for the copying alone.
+    // Made before the lock is taken, and what was in `output` freed after its release: the
+    // communication loop waits for the copying alone.
     QByteArray value = length > 0 ? QByteArray(outputBytes(width, length), '\0') : QByteArray();
     const QMutexLocker lock(&PLC_driver.storeMutex);
     const AreaImage &image = areaImage(station, getPlcReg(kind));
