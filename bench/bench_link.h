@@ -40,6 +40,6 @@ private:
 };
 
 /// Variables of one word each, in random order. Near ones touch one another, far ones are too far
-/// apart to be merged; both begin anew where the area ends.
+/// apart to be merged. For lists alone: the last ones lie beyond what a line can address.
 enum class Spacing { NEAR, FAR };
 QList<VAR_ITEM> shuffledWords(int variables, Spacing spacing);

@@ -389,8 +389,9 @@ VELKO_API const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived);
 /// is invalid and when it covers more than LIMIT_REGISTERS; one that covers none makes no request
 /// of its own, but can lengthen the one that it is merged into. Restarts the cycle (cycleDone 0),
 /// unless the host's list is empty. `items` is the host's, read only, not kept. Returns the number
-/// of requests in the list. Any thread. Takes the list lock to replace the list, once the items are
-/// read and sorted; of two calls at a time the list is that of the one that takes it last.
+/// of requests in the list. Any thread. Items and ComInfo are read, and the items sorted, before the
+/// list lock is taken to replace the list; of two calls at a time the list is that of the one that
+/// takes the lock last.
 VELKO_API int ReCreatReadVarList(const QList<VAR_ITEM> *items);
 
 /// Appends a copy of a ready-made read request to the cyclic list, unchecked: varKind an AREA_...,

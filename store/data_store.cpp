@@ -60,7 +60,7 @@ void readBytes(const AreaImage &image, qint64 index, int length, char *to)
 {
     const Inside run(index, length, image.size());
     if (!run.isEmpty())
-        std::memcpy(to + run.first, image.constData() + index + run.first,
+        std::memcpy(to + run.first, image.constData() + (index + run.first),
                     static_cast<size_t>(run.size()));
 }
 
@@ -80,7 +80,7 @@ void writeBytes(AreaImage &image, qint64 index, qint64 length, const QByteArray 
     if (run.isEmpty())
         return;
     growImage(image, index + run.last);
-    char *const to = image.data() + index + run.first;
+    char *const to = image.data() + (index + run.first); // the index alone may be below 0
     std::memset(to, 0, static_cast<size_t>(run.size()));
     const qint64 given = qMin<qint64>(bytes.size(), run.last) - run.first;
     if (given > 0)

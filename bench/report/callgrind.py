@@ -49,4 +49,7 @@ def count(command):
             capture_output=True, text=True, timeout=300)
         if run.returncode != 0:
             raise RuntimeError(f"{' '.join(map(str, command))} failed under callgrind:\n{run.stderr}")
-        return Counts(out.read_text())
+        counts = Counts(out.read_text())
+        if counts.total == 0:
+            raise RuntimeError(f"callgrind counted nothing in {' '.join(map(str, command))}")
+        return counts

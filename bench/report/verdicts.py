@@ -29,6 +29,9 @@ def stored_problems(row, stored):
     elif value > TOLERATED * stored[row.id]:
         yield (f"{value:g} {row.unit}, more than 10 % above the stored {stored[row.id]:g}; mend it, or "
                "store the new one with scripts/bench --store")
+    elif value < stored[row.id] / TOLERATED:
+        yield (f"{value:g} {row.unit}, more than 10 % below the stored {stored[row.id]:g}; see that it still "
+               "does its work, and store the new one with scripts/bench --store")
 
 
 def judge(rows, brief):

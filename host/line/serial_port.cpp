@@ -95,7 +95,9 @@ void SerialPort::write(const QByteArray &bytes)
 {
     if (m_port.write(bytes) != bytes.size())
         fail("does not take a frame: " + m_port.errorString().toStdString());
-    m_port.flush(); // most often the system takes all at once, and there is nothing to wait for
+    // Most often the system takes all at once. Where it has no room just now, that is no error yet.
+    if (!m_port.flush())
+        m_port.clearError();
     while (m_port.bytesToWrite() > 0)
         if (!m_port.waitForBytesWritten(WRITE_TIMEOUT))
             fail("has gone, or takes no bytes: " + m_port.errorString().toStdString());
