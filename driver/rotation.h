@@ -5,7 +5,7 @@
 #include "driver/records.h"
 
 /// Makes the first request the last one. The list is not empty. QList::move() would shift the whole
-/// list; this takes as long for a long list as for a short one.
+/// list; this takes, on average, as long for a long list as for a short one.
 inline void rotate(QList<RW_VAR> &list)
 {
     list.append(list.takeFirst());
