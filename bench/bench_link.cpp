@@ -1,11 +1,13 @@
 #include "bench/bench_link.h"
 
-#include "host/line/crc16.h"
+#include "host/core/line/crc16.h"
 
 #include <algorithm>
 #include <random>
 #include <stdexcept>
 #include <vector>
+
+using namespace velko;
 
 namespace
 {

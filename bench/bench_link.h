@@ -1,7 +1,7 @@
 // A driver on an imaginary line that answers at once and always well: what the benchmarks measure.
 #pragma once
 
-#include "host/library/driver_copy.h"
+#include "host/core/loading/driver_copy.h"
 
 #include <array>
 #include <memory>
@@ -31,10 +31,10 @@ public:
     /// Carries out all queued writes. Throws std::logic_error should they not end.
     void drain();
 
-    const DriverLibrary &driver() const { return *m_driver; }
+    const velko::DriverLibrary &driver() const { return *m_driver; }
 
 private:
-    std::unique_ptr<DriverLibrary> m_driver;
+    std::unique_ptr<velko::DriverLibrary> m_driver;
     ComInfo m_info;
     std::array<QByteArray, 256> m_replies; // by their length
 };

@@ -18,5 +18,6 @@ struct Comparison {
 };
 
 /// Throws std::runtime_error where the driver's plan is wrong.
-Comparison compare(const std::string &library, TagSet set, const std::vector<Variable> &variables,
-                   int maxRegs, const std::vector<Measure> &measures);
+Comparison compare(const std::string &library, TagSet set,
+                   const std::vector<velko::Variable> &variables, int maxRegs,
+                   const std::vector<Measure> &measures);

@@ -1,11 +1,13 @@
 #include "bench/driver_plan.h"
 
-#include "host/line/crc16.h"
-#include "host/line/replies.h"
-#include "host/loop/request_planner.h"
+#include "host/core/line/crc16.h"
+#include "host/core/line/replies.h"
+#include "host/core/plan/request_planner.h"
 
 #include <algorithm>
 #include <stdexcept>
+
+using namespace velko;
 
 namespace
 {

@@ -6,5 +6,5 @@
 /// As its frames ask for it. Throws std::runtime_error where the library cannot be loaded, where a
 /// frame is none that a slave would answer as expected, and where a register of a variable is not
 /// read.
-ReadPlan planOfDriver(const std::string &library, const std::vector<Variable> &variables,
+ReadPlan planOfDriver(const std::string &library, const std::vector<velko::Variable> &variables,
                       int maxRegs);

@@ -1,6 +1,6 @@
 // What it is worth that the driver merges variables into few requests: its plans beside others.
 #include "bench/comparison.h"
-#include "host/commands/tables.h"
+#include "host/views/text_table.h"
 
 #include <CLI/CLI.hpp>
 
@@ -11,6 +11,8 @@
 #include <cmath>
 #include <cstdio>
 #include <stdexcept>
+
+using namespace velko;
 
 namespace
 {

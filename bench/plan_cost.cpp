@@ -1,9 +1,11 @@
 #include "bench/plan_cost.h"
 
-#include "host/line/replies.h"
+#include "host/core/line/replies.h"
 
 #include <algorithm>
 #include <limits>
+
+using namespace velko;
 
 namespace
 {

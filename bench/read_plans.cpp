@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <tuple>
 
+using namespace velko;
+
 namespace
 {
 

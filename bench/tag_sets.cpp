@@ -3,6 +3,8 @@
 #include <array>
 #include <random>
 
+using namespace velko;
+
 namespace
 {
 

@@ -22,7 +22,7 @@ CheckedLine::CheckedLine() : m_store(*static_cast<StationImages *>(driver.symbol
     link.perVarStation = 1;
 }
 
-CheckedLine::Range CheckedLine::rangeOf(const Variable &variable) const
+CheckedLine::Range CheckedLine::rangeOf(const PolledVariable &variable) const
 {
     const int unitBits[] = {1, 8, 16, 16};
     const int offset = driver.PLCAddressChangeIntef(variable.kind, variable.address);
@@ -32,7 +32,7 @@ CheckedLine::Range CheckedLine::rangeOf(const Variable &variable) const
     return {bit / 16, (bit % 16 + units * unitBits[variable.kind / 3] + 15) / 16};
 }
 
-RW_VAR CheckedLine::recordOf(const Variable &variable, int ownerId, int ownerTag) const
+RW_VAR CheckedLine::recordOf(const PolledVariable &variable, int ownerId, int ownerTag) const
 {
     RW_VAR record;
     record.ownerId = ownerId;
@@ -47,11 +47,11 @@ RW_VAR CheckedLine::recordOf(const Variable &variable, int ownerId, int ownerTag
 
 // --- What the host asks for ---
 
-void CheckedLine::rebuild(const std::vector<Variable> &items)
+void CheckedLine::rebuild(const std::vector<PolledVariable> &items)
 {
     QString list;
     m_polled = items;
-    for (Variable &item : m_polled) {
+    for (PolledVariable &item : m_polled) {
         list += QString(" %1:%2:%3").arg(item.kind).arg(item.address).arg(item.length);
         item.station = link.defaultStation;
     }
@@ -59,7 +59,7 @@ void CheckedLine::rebuild(const std::vector<Variable> &items)
     m_cyclic.entries.assign(core.readList.begin(), core.readList.end());
 }
 
-void CheckedLine::poll(const Variable &registers)
+void CheckedLine::poll(const PolledVariable &registers)
 {
     RW_VAR request = recordOf(registers, 0, OWNER_TAG_OF_POLLS);
     request.station = registers.station;
@@ -70,7 +70,7 @@ void CheckedLine::poll(const Variable &registers)
     m_polled.push_back(registers);
 }
 
-void CheckedLine::set(const Variable &target, int ownerId, int ownerTag, unsigned random)
+void CheckedLine::set(const PolledVariable &target, int ownerId, int ownerTag, unsigned random)
 {
     const bool isSingle = target.kind < KIND_INPUT_WORD;
     const int units = isSingle ? target.length : rangeOf(target).count;
@@ -92,7 +92,7 @@ void CheckedLine::set(const Variable &target, int ownerId, int ownerTag, unsigne
     }
 }
 
-void CheckedLine::once(const Variable &target, int ownerId, int ownerTag)
+void CheckedLine::once(const PolledVariable &target, int ownerId, int ownerTag)
 {
     RW_VAR request = recordOf(target, ownerId, ownerTag);
     driver.AddListOnceReadVar(&request, QUEUE_CHECKED);
@@ -149,7 +149,7 @@ void CheckedLine::begin(const Protocol &sent)
     EXPECT_EQ(m_source == &m_writes, isRmwRead(var) || var.rwFlag == REQUEST_WRITE);
 }
 
-QByteArray CheckedLine::carry(const Protocol &sent, Fault fault, int bit)
+QByteArray CheckedLine::carry(const Protocol &sent, LineFault fault, int bit)
 {
     if (fault == REQUEST_LOST)
         return QByteArray();
@@ -167,7 +167,7 @@ QByteArray CheckedLine::carry(const Protocol &sent, Fault fault, int bit)
     return fault == REPLY_LOST ? QByteArray() : fault == ONE_SHORT ? reply.chopped(1) : reply;
 }
 
-void CheckedLine::exchange(Fault fault, int bit)
+void CheckedLine::exchange(LineFault fault, int bit)
 {
     const StationImages beforeTurn = m_store;
     const Protocol *const next = driver.ComCommunication();
@@ -211,7 +211,7 @@ void CheckedLine::exchange(Fault fault, int bit)
         EXPECT_EQ(m_store, before) << "stored what no read brought";
 }
 
-std::string CheckedLine::expectFailure(Fault fault, int verdict)
+std::string CheckedLine::expectFailure(LineFault fault, int verdict)
 {
     m_repeats = ++m_failures <= link.retryLimit;
     if (m_repeats) {
@@ -259,7 +259,7 @@ void CheckedLine::finishAndCheck()
     EXPECT_TRUE(core.pendingList.isEmpty());
     EXPECT_TRUE(m_slaves == m_expected)
         << "a register that nobody wrote has changed, or the reverse";
-    for (const Variable &variable : m_polled) {
+    for (const PolledVariable &variable : m_polled) {
         if (m_disabled.count(variable.station) == 0)
             expectStored(variable.station, areaOf(variable.kind), rangeOf(variable));
     }

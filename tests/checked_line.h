@@ -6,7 +6,7 @@
 #include "tests/queue_model.h"
 #include "tests/slave_memory.h"
 
-enum Fault {
+enum LineFault {
     NO_FAULT,
     REQUEST_LOST,
     REPLY_LOST,
@@ -16,7 +16,7 @@ enum Fault {
     BIT_FLIPPED
 };
 
-struct Variable {
+struct PolledVariable {
     int kind;
     QString address;
     int station;
@@ -29,14 +29,14 @@ public:
     CheckedLine();
 
     // What a host asks for. The values of writes follow from `random`.
-    void rebuild(const std::vector<Variable> &items); ///< of defaultStation
-    void poll(const Variable &registers);
-    void set(const Variable &target, int ownerId, int ownerTag, unsigned random);
-    void once(const Variable &target, int ownerId, int ownerTag);
+    void rebuild(const std::vector<PolledVariable> &items); ///< of defaultStation
+    void poll(const PolledVariable &registers);
+    void set(const PolledVariable &target, int ownerId, int ownerTag, unsigned random);
+    void once(const PolledVariable &target, int ownerId, int ownerTag);
     void enable(int station, bool enabled);
 
     /// One turn, with one frame or none. `bit` is counted modulo the bits of the reply.
-    void exchange(Fault fault = NO_FAULT, int bit = 0);
+    void exchange(LineFault fault = NO_FAULT, int bit = 0);
 
     /// Good exchanges until the queues are empty, then one full pass, then all that must hold.
     void finishAndCheck();
@@ -55,12 +55,12 @@ private:
         int count; // registers
     };
 
-    Range rangeOf(const Variable &variable) const;
-    RW_VAR recordOf(const Variable &variable, int ownerId, int ownerTag) const;
+    Range rangeOf(const PolledVariable &variable) const;
+    RW_VAR recordOf(const PolledVariable &variable, int ownerId, int ownerTag) const;
     QueueModel *takeTurn();
     void begin(const Protocol &sent);
-    QByteArray carry(const Protocol &sent, Fault fault, int bit);
-    std::string expectFailure(Fault fault, int verdict);
+    QByteArray carry(const Protocol &sent, LineFault fault, int bit);
+    std::string expectFailure(LineFault fault, int verdict);
     std::string endRequest(bool good);
     void expectStored(int station, int area, const Range &range);
 
@@ -73,7 +73,7 @@ private:
     int m_writeBurst = 0;
     int m_onceBurst = 0;
     std::set<int> m_disabled;
-    std::vector<Variable> m_polled;
+    std::vector<PolledVariable> m_polled;
 
     QueueModel *m_source = nullptr; // of the request in progress
     RW_VAR m_request;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "driver/modbus_rtu_master.h"
-#include "host/library/driver_library.h"
+#include "host/core/loading/driver_library.h"
 
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ struct DriverUnderTest {
     std::string takeEvents();
 
     ComInfo link;
-    DriverLibrary driver;
+    velko::DriverLibrary driver;
     Modbus_RTU_Master &core;
 };
 

@@ -72,7 +72,7 @@ void PrintTo(const SweepRow &row, std::ostream *out)
 }
 
 /// A mixed run; its exchange `failing` fails. Returns the bytes of that one's reply.
-int mixedRun(const SweepRow &row, int exchanges, int failing, Fault fault, int bit)
+int mixedRun(const SweepRow &row, int exchanges, int failing, LineFault fault, int bit)
 {
     CheckedLine line;
     line.link.retryLimit = row.retryLimit;
@@ -123,7 +123,9 @@ TEST_P(FaultSweep, OfAMixedRun)
         for (int fault = REQUEST_LOST; fault <= BIT_FLIPPED; ++fault) {
             const int last = fault == BIT_FLIPPED ? bits : bitStep;
             for (int bit = failing % bitStep; bit < last; bit += bitStep, ++runs)
-                bits = 8 * mixedRun(GetParam(), exchanges, failing, static_cast<Fault>(fault), bit);
+                bits =
+                    8
+                    * mixedRun(GetParam(), exchanges, failing, static_cast<LineFault>(fault), bit);
             ASSERT_FALSE(HasFailure()) << "exchange " << failing << ", fault " << fault;
             ASSERT_GT(bits, 0);
         }
@@ -146,7 +148,7 @@ public:
     /// Now and then asks for something; owners are few, so that their requests meet in the queues.
     void act()
     {
-        const Variable target = some();
+        const PolledVariable target = some();
         const int choice = below(300);
         if (choice == 0) {
             m_line.rebuild({some(), some(), some(), some()});
@@ -175,7 +177,7 @@ public:
         const int fault = m_untilCableIsBack < 60 ? REQUEST_LOST
                           : below(12) == 0        ? 1 + below(BIT_FLIPPED)
                                                   : NO_FAULT;
-        m_line.exchange(static_cast<Fault>(fault), below(10000));
+        m_line.exchange(static_cast<LineFault>(fault), below(10000));
     }
 
     /// Every station answers again.
@@ -189,7 +191,7 @@ public:
 private:
     int below(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
 
-    Variable some()
+    PolledVariable some()
     {
         const int kind = below(12);
         const int unitsOfArea[] = {38, 300, 150, 75};

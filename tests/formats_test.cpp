@@ -1,8 +1,10 @@
 // Values of variables as people write and read them.
-#include "host/variables/variable.h"
+#include "host/core/variables/variable.h"
 #include "tests/script.h"
 
 #include <gtest/gtest.h>
+
+using namespace velko;
 
 TEST(Formats, TextAndBytes)
 {

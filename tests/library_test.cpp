@@ -19,7 +19,7 @@ bool isLoaded(const char *path)
     return handle != nullptr;
 }
 
-void exchangeOnce(const DriverLibrary &driver, ComInfo &link)
+void exchangeOnce(const velko::DriverLibrary &driver, ComInfo &link)
 {
     link.maxRegs = 10;
     link.defaultStation = 1;
@@ -38,7 +38,7 @@ TEST(LibraryFile, IsLoadedUsedAndUnloadedAgainAndAgain)
 {
     for (int i = 0; i < 300; ++i) {
         {
-            const DriverLibrary driver(DRIVER_LIBRARY);
+            const velko::DriverLibrary driver(DRIVER_LIBRARY);
             const auto &core = *static_cast<Modbus_RTU_Master *>(driver.symbol("PLC_driver"));
             ASSERT_TRUE(core.readList.isEmpty());
             ASSERT_EQ(core.activeSource, 100);
@@ -69,8 +69,8 @@ TEST(LibraryFile, TwoCopiesShareNothing)
     const QString copy = folder.filePath("second_line.so");
     ASSERT_TRUE(QFile::copy(DRIVER_LIBRARY, copy));
     for (const int flags : {RTLD_LOCAL, RTLD_GLOBAL}) {
-        const DriverLibrary first(DRIVER_LIBRARY, flags);
-        const DriverLibrary second(copy.toStdString(), flags);
+        const velko::DriverLibrary first(DRIVER_LIBRARY, flags);
+        const velko::DriverLibrary second(copy.toStdString(), flags);
         for (const char *name : {"PLC_driver", "DataStorage", "LB", "LW", "RWI"})
             EXPECT_NE(first.symbol(name), second.symbol(name)) << name;
 

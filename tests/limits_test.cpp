@@ -30,7 +30,7 @@ TEST(Limits, EveryStation)
 {
     CheckedLine line;
     for (int station = 1; station <= LAST_STATION; ++station) {
-        const Variable word = {KIND_HOLDING_WORD, QString::number(station), station, 2};
+        const PolledVariable word = {KIND_HOLDING_WORD, QString::number(station), station, 2};
         line.poll(word);
         line.set(word, station, 1, static_cast<unsigned>(station));
         line.set({KIND_HOLDING_BIT, "9.3", station, 1}, station, 1, 1);

@@ -1,9 +1,9 @@
 // The serial line against the simulated PLC: silence, time-outs, rests, what is let through.
-#include "host/library/driver_copy.h"
-#include "host/line/crc16.h"
-#include "host/line/port_error.h"
-#include "host/line/replies.h"
-#include "host/line/serial_line.h"
+#include "host/core/line/crc16.h"
+#include "host/core/line/port_error.h"
+#include "host/core/line/replies.h"
+#include "host/core/line/serial_line.h"
+#include "host/core/loading/driver_copy.h"
 #include "host/plc/simulated_plc.h"
 #include "tests/script.h"
 
@@ -21,6 +21,8 @@
 #include <atomic>
 #include <random>
 #include <thread>
+
+using namespace velko;
 
 namespace
 {

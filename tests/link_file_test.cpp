@@ -1,5 +1,5 @@
 // The file of links and variables: what is refused, where and why.
-#include "host/links/link_file.h"
+#include "host/core/links/link_file.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
+
+using namespace velko;
 
 namespace
 {

@@ -2,6 +2,8 @@
 #include "tests/loop_under_test.h"
 #include "tests/script.h"
 
+using namespace velko;
+
 namespace
 {
 

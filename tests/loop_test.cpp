@@ -1,11 +1,13 @@
 // The communication loop on the simulated PLC: times, threads and the port. The rest are cases.
 #include "tests/loop_under_test.h"
 
-#include "host/line/port_error.h"
-#include "host/line/replies.h"
+#include "host/core/line/port_error.h"
+#include "host/core/line/replies.h"
 
 #include <QFile>
 #include <QTemporaryDir>
+
+using namespace velko;
 
 class LoopTest : public testing::Test, public LoopUnderTest
 {

@@ -1,13 +1,16 @@
 // A communication loop on the simulated PLC, whose three stations are 1, 2 and 3.
 #pragma once
 
-#include "host/line/replies.h"
-#include "host/loop/link_runner.h"
+#include "host/core/line/replies.h"
+#include "host/core/session/link_runner.h"
 #include "host/plc/simulated_plc.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+
+namespace velko
+{
 
 inline SimulatedLineSettings threeStations()
 {
@@ -147,6 +150,8 @@ private:
     std::mutex m_mutex;
     std::string m_events[3];
 };
+
+} // namespace velko
 
 /// Makes tests of the files "*.loop"; false where there is none.
 bool registerLoopCases();

@@ -1,9 +1,11 @@
 #include "tests/slave_memory.h"
 
-#include "host/line/crc16.h"
-#include "host/line/replies.h"
+#include "host/core/line/crc16.h"
+#include "host/core/line/replies.h"
 
 #include <gtest/gtest.h>
+
+using namespace velko;
 
 namespace
 {

@@ -2,12 +2,14 @@
 // is what the system and the slave take.
 #include "bench/masters/poll_task.h"
 #include "bench/masters/raw_port.h"
-#include "host/line/crc16.h"
-#include "host/line/replies.h"
+#include "host/core/line/crc16.h"
+#include "host/core/line/replies.h"
 
 #include <chrono>
 #include <stdexcept>
 #include <thread>
+
+using namespace velko;
 
 namespace
 {

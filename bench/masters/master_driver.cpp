@@ -4,10 +4,12 @@
 // No silence is kept between frames, as libmodbus keeps none: both are for a line that takes no time.
 #include "bench/masters/poll_task.h"
 #include "bench/masters/raw_port.h"
-#include "host/library/driver_library.h"
+#include "host/core/loading/driver_library.h"
 
 #include <cstring>
 #include <stdexcept>
+
+using namespace velko;
 
 namespace
 {

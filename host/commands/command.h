@@ -3,6 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
+namespace velko
+{
+
 class Command
 {
 public:
@@ -24,3 +27,5 @@ public:
 protected:
     CLI::App &m_options;
 };
+
+} // namespace velko

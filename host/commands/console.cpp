@@ -13,6 +13,9 @@
 #include <cstring>
 #include <stdexcept>
 
+namespace velko
+{
+
 namespace
 {
 
@@ -102,3 +105,5 @@ void Console::readLines(Input &input, bool isHungUp)
     // Enough to be refused; the rest of such a line need not be kept.
     m_rest.resize(std::min(m_rest.size(), LONGEST_LINE));
 }
+
+} // namespace velko

@@ -4,6 +4,9 @@
 #include <string>
 #include <vector>
 
+namespace velko
+{
+
 class Console
 {
 public:
@@ -34,3 +37,5 @@ private:
     int m_signals;
     std::string m_rest; // of a line whose end has not come yet
 };
+
+} // namespace velko

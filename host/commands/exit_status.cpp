@@ -1,5 +1,8 @@
 #include "host/commands/exit_status.h"
 
+namespace velko
+{
+
 int exitStatusOf(Verdict::Kind kind)
 {
     if (kind == Verdict::GOOD)
@@ -16,3 +19,5 @@ int exitStatusOf(const Event &write)
     const bool isBad = write.state == WRITE_REFUSED || write.state == WRITE_FAILED;
     return isBad ? exitStatusOf(write.cause) : EXIT_GOOD;
 }
+
+} // namespace velko

@@ -1,7 +1,10 @@
 // What the program's exit status says. Stated in --help and in the tool's page.
 #pragma once
 
-#include "host/loop/event.h"
+#include "host/core/events/event.h"
+
+namespace velko
+{
 
 enum EXIT_STATUS {
     EXIT_GOOD = 0,
@@ -18,3 +21,5 @@ int exitStatusOf(Verdict::Kind kind);
 
 /// Of the news of a write.
 int exitStatusOf(const Event &write);
+
+} // namespace velko

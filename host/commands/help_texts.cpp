@@ -1,5 +1,8 @@
 #include "host/commands/help_texts.h"
 
+namespace velko
+{
+
 const char *const VARIABLES_HELP = R"(
 A variable is KIND:ADDRESS[:FORMAT[:COUNT]], for example 7:100 or holding-word:100:f32/ABCD. Kinds:
                input  holding  holding-5000   ADDRESS
@@ -16,3 +19,5 @@ const char *const EXIT_STATUS_HELP = R"(
 Exit status: 0 good; 1 the driver's file or the output cannot be used; 2 wrong usage; 3 the file is
 refused; 4 the port cannot be used; 5 a station did not answer, or no answer of it was whole;
 6 an exception reply, or a value was refused.)";
+
+} // namespace velko

@@ -4,6 +4,9 @@
 
 #include <cctype>
 
+namespace velko
+{
+
 LineOptions::LineOptions(CLI::App &options)
 {
     LineSettings &line = m_link.line;
@@ -72,3 +75,5 @@ Link LineOptions::link() const
         link.line.rs485 = Rs485::RTS_AFTER_SEND;
     return link;
 }
+
+} // namespace velko

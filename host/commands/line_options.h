@@ -2,9 +2,12 @@
 // has the same option.
 #pragma once
 
-#include "host/links/link.h"
+#include "host/core/links/link.h"
 
 #include <CLI/CLI.hpp>
+
+namespace velko
+{
 
 class LineOptions
 {
@@ -27,3 +30,5 @@ private:
     int m_station = 1;
     Link m_link;
 };
+
+} // namespace velko

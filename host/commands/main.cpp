@@ -6,12 +6,15 @@
 #include "host/commands/read_command.h"
 #include "host/commands/simulate_command.h"
 #include "host/commands/write_command.h"
-#include "host/line/port_error.h"
+#include "host/core/line/port_error.h"
 
 #include <QCoreApplication>
 
 #include <csignal>
 #include <cstdio>
+
+namespace velko
+{
 
 namespace
 {
@@ -95,9 +98,9 @@ int fail(const std::exception &error, int status)
 
 } // namespace
 
-int main(int argc, char *argv[])
+int runProgram(int argc, char *argv[])
 {
-    // A reader of the output that goes away is told about; the port is closed in good order.
+    // A reader of the output that goes away is reported; the port is closed in good order.
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return checkOutput(parseAndRun(argc, argv));
@@ -110,4 +113,11 @@ int main(int argc, char *argv[])
     } catch (const std::exception &error) {
         return fail(error, EXIT_PROGRAM);
     }
+}
+
+} // namespace velko
+
+int main(int argc, char *argv[])
+{
+    return velko::runProgram(argc, argv);
 }

@@ -1,8 +1,11 @@
 #include "host/commands/numbers.h"
 
-#include "host/commands/tables.h"
+#include "host/views/text_table.h"
 
 #include <stdexcept>
+
+namespace velko
+{
 
 namespace
 {
@@ -62,3 +65,5 @@ int millisecondsIn(const std::string &seconds)
                                       "999999.999");
     return std::stoi(whole) * 1000 + std::stoi((fraction + "00").substr(0, 3));
 }
+
+} // namespace velko

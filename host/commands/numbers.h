@@ -4,6 +4,9 @@
 
 #include <CLI/CLI.hpp>
 
+namespace velko
+{
+
 /// Accepts decimal numbers without leading zeros: "010" is not to be taken for octal.
 CLI::Validator numberFrom(int lowest, int highest);
 
@@ -13,3 +16,5 @@ CLI::Validator secondsFrom(int lowest, int highest);
 /// Of "5" or "2.5": milliseconds. Throws std::invalid_argument for what is no such number, or more
 /// than 999,999.999 seconds.
 int millisecondsIn(const std::string &seconds);
+
+} // namespace velko

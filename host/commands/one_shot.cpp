@@ -2,9 +2,12 @@
 
 #include "host/commands/exit_status.h"
 #include "host/commands/numbers.h"
-#include "host/line/port_error.h"
+#include "host/core/line/port_error.h"
 
 #include <cstdio>
+
+namespace velko
+{
 
 namespace
 {
@@ -118,3 +121,5 @@ void OneShotLoop::tell(const Event &event)
     if (event.kind == Event::PORT && event.state == PORT_LOST)
         m_portError = event.detail;
 }
+
+} // namespace velko

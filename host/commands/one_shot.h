@@ -3,7 +3,10 @@
 
 #include "host/commands/line_options.h"
 #include "host/commands/talk_options.h"
-#include "host/loop/communication_loop.h"
+#include "host/core/loop/communication_loop.h"
+
+namespace velko
+{
 
 /// What is read or written: variables by their names, or mbpoll's -t, -r and -c.
 class OneShotOptions
@@ -55,3 +58,5 @@ private:
     std::string m_portError;
     CommunicationLoop m_loop;
 };
+
+} // namespace velko

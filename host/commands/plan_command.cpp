@@ -1,11 +1,14 @@
 #include "host/commands/plan_command.h"
 
 #include "host/commands/exit_status.h"
-#include "host/commands/plan_report.h"
 #include "host/commands/talk_options.h"
-#include "host/links/link_file.h"
+#include "host/core/links/link_file.h"
+#include "host/views/plan_report.h"
 
 #include <cstdio>
+
+namespace velko
+{
 
 PlanCommand::PlanCommand(CLI::App &program)
     : Command(
@@ -31,3 +34,5 @@ int PlanCommand::run()
     }
     return EXIT_GOOD;
 }
+
+} // namespace velko

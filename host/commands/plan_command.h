@@ -3,6 +3,9 @@
 
 #include "host/commands/command.h"
 
+namespace velko
+{
+
 class PlanCommand : public Command
 {
 public:
@@ -14,3 +17,5 @@ private:
     std::string m_file;
     std::string m_library;
 };
+
+} // namespace velko

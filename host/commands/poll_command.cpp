@@ -1,15 +1,18 @@
 #include "host/commands/poll_command.h"
 
 #include "host/commands/exit_status.h"
-#include "host/commands/json_view.h"
-#include "host/commands/lines_view.h"
-#include "host/commands/live_table.h"
 #include "host/commands/numbers.h"
+#include "host/views/json_view.h"
+#include "host/views/lines_view.h"
+#include "host/views/live_table.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
+
+namespace velko
+{
 
 namespace
 {
@@ -162,3 +165,5 @@ void PollCommand::noteStatus(int status)
 {
     m_status = std::max(m_status, status);
 }
+
+} // namespace velko

@@ -3,8 +3,11 @@
 
 #include "host/commands/command.h"
 #include "host/commands/console.h"
-#include "host/commands/poll_session.h"
 #include "host/commands/talk_options.h"
+#include "host/core/session/poll_session.h"
+
+namespace velko
+{
 
 class PollCommand : public Command
 {
@@ -34,3 +37,5 @@ private:
 
     int m_status = 0; // EXIT_STATUS of the writes so far
 };
+
+} // namespace velko

@@ -8,6 +8,9 @@
 #include <cstdio>
 #include <sstream>
 
+namespace velko
+{
+
 ReadCommand::ReadCommand(CLI::App &program)
     : Command(program, "read", "Reads variables once and prints a line for each value."),
       m_line(m_options),
@@ -75,3 +78,5 @@ void ReadCommand::printByReference(const std::string &text, const Variable &vari
     for (std::string value; values >> value; reference += valueBits(variable.format) / 16)
         std::printf("[%d]: \t%s\n", reference, value.c_str());
 }
+
+} // namespace velko

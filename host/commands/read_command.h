@@ -4,6 +4,9 @@
 #include "host/commands/command.h"
 #include "host/commands/one_shot.h"
 
+namespace velko
+{
+
 class ReadCommand : public Command
 {
 public:
@@ -22,3 +25,5 @@ private:
     int m_count = 1;
     std::vector<std::string> m_names;
 };
+
+} // namespace velko

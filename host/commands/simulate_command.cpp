@@ -3,8 +3,8 @@
 #include "host/commands/console.h"
 #include "host/commands/exit_status.h"
 #include "host/commands/numbers.h"
+#include "host/core/text/joined.h"
 #include "host/plc/simulated_plc.h"
-#include "host/text/joined.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -15,6 +15,9 @@
 #include <set>
 #include <stdexcept>
 #include <utility>
+
+namespace velko
+{
 
 namespace
 {
@@ -342,3 +345,5 @@ int SimulateCommand::run()
     m_taps.finish();
     return EXIT_GOOD;
 }
+
+} // namespace velko

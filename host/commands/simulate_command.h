@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+namespace velko
+{
+
 class SimulateCommand : public Command
 {
 public:
@@ -24,3 +27,5 @@ private:
     std::string m_link;
     std::string m_seconds;
 };
+
+} // namespace velko

@@ -4,6 +4,9 @@
 
 #include <filesystem>
 
+namespace velko
+{
+
 std::string driverFile()
 {
     namespace fs = std::filesystem;
@@ -52,3 +55,5 @@ TalkOptions::TalkOptions(CLI::App &options) : TapOptions(options), m_library(dri
 {
     options.add_option("--library", m_library, "the driver's file")->capture_default_str();
 }
+
+} // namespace velko

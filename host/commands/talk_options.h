@@ -1,12 +1,15 @@
 // Options of every sub-command that talks on a line.
 #pragma once
 
-#include "host/line/capture_tap.h"
-#include "host/line/trace_tap.h"
+#include "host/core/line/capture_tap.h"
+#include "host/views/trace_tap.h"
 
 #include <CLI/CLI.hpp>
 
 #include <memory>
+
+namespace velko
+{
 
 /// The driver's file as the program finds it: beside itself, one folder up (in a build tree) or, once
 /// installed, in the folder of libraries.
@@ -47,3 +50,5 @@ public:
 private:
     std::string m_library;
 };
+
+} // namespace velko

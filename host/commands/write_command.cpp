@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cstdio>
 
+namespace velko
+{
+
 namespace
 {
 
@@ -102,3 +105,5 @@ std::vector<WriteCommand::Write> WriteCommand::writes() const
     }
     return writes;
 }
+
+} // namespace velko

@@ -4,6 +4,9 @@
 #include "host/commands/command.h"
 #include "host/commands/one_shot.h"
 
+namespace velko
+{
+
 class WriteCommand : public Command
 {
 public:
@@ -26,3 +29,5 @@ private:
     TalkOptions m_talk;
     std::vector<std::string> m_values;
 };
+
+} // namespace velko

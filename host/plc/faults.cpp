@@ -4,6 +4,9 @@
 #include <array>
 #include <stdexcept>
 
+namespace velko
+{
+
 namespace
 {
 
@@ -115,3 +118,5 @@ StationFault parseFault(const std::string &text)
         throw std::invalid_argument("fault " + quoted(text) + ": " + error.what());
     }
 }
+
+} // namespace velko

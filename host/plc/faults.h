@@ -3,6 +3,9 @@
 
 #include <string>
 
+namespace velko
+{
+
 struct Fault {
     enum Kind {
         NONE,
@@ -29,3 +32,5 @@ struct StationFault {
 /// "STATION:FAULT", "STATION:FAULT=NUMBER", each with "/EVERY" behind it or not: "2:silent",
 /// "1:late=300", "1:exception=2/10", "2:none". Throws std::invalid_argument that says what is wrong.
 StationFault parseFault(const std::string &text);
+
+} // namespace velko

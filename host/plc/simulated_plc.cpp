@@ -1,7 +1,7 @@
 #include "host/plc/simulated_plc.h"
 
-#include "host/line/crc16.h"
-#include "host/line/replies.h"
+#include "host/core/line/crc16.h"
+#include "host/core/line/replies.h"
 
 #include <fcntl.h>
 #include <modbus.h>
@@ -19,6 +19,9 @@
 #include <map>
 #include <set>
 #include <stdexcept>
+
+namespace velko
+{
 
 namespace
 {
@@ -610,3 +613,5 @@ std::vector<SeenRequest> SimulatedPlc::requests() const
     const std::lock_guard<std::mutex> lock(m_mutex);
     return {m_requests.begin(), m_requests.end()};
 }
+
+} // namespace velko

@@ -2,7 +2,7 @@
 // their protocol; the line with its speed and its faults is ours.
 #pragma once
 
-#include "host/line/line_tap.h"
+#include "host/core/line/line_tap.h"
 #include "host/plc/faults.h"
 
 #include <QByteArray>
@@ -16,6 +16,9 @@
 #include <mutex>
 #include <thread>
 #include <vector>
+
+namespace velko
+{
 
 struct SimulatedLineSettings {
     std::vector<int> stations = {1};
@@ -89,3 +92,5 @@ private:
 
     std::thread m_thread;
 };
+
+} // namespace velko

@@ -1,0 +1,117 @@
+#include "host/core/line/answer_filter.h"
+
+#include "host/core/line/crc16.h"
+#include "host/core/line/replies.h"
+
+namespace velko
+{
+
+AnswerFilter::AnswerFilter(const QByteArray &request, int replyLength)
+    : m_request(request),
+      m_replyLength(replyLength)
+{
+}
+
+void AnswerFilter::add(const QByteArray &bytes)
+{
+    m_bytes.append(bytes);
+    dropForeign();
+}
+
+void AnswerFilter::gap()
+{
+    while (!m_bytes.isEmpty() && !hasBegun()) {
+        drop(1);
+        dropForeign();
+    }
+}
+
+bool AnswerFilter::hasBegun() const
+{
+    return !m_bytes.isEmpty() && beginsLikeAnswer();
+}
+
+bool AnswerFilter::isComplete() const
+{
+    if (!hasBegun())
+        return false;
+    if (isException())
+        return true;
+    // A longer frame of this station and function may be a late answer to another request: its end
+    // has to be seen.
+    return m_bytes.size() >= m_replyLength
+           && (m_bytes.size() >= frameLength(m_bytes) || endsInItsCrc(m_bytes.left(m_replyLength)));
+}
+
+QByteArray AnswerFilter::answer() const
+{
+    if (!hasBegun())
+        return QByteArray();
+    return m_bytes.left(isException() ? EXCEPTION_BYTES : m_replyLength);
+}
+
+QByteArray AnswerFilter::takeRest()
+{
+    QByteArray rest = m_bytes.mid(answer().size());
+    m_bytes.clear();
+    return rest;
+}
+
+QByteArray AnswerFilter::takeDropped()
+{
+    QByteArray dropped;
+    dropped.swap(m_dropped);
+    return dropped;
+}
+
+bool AnswerFilter::beginsLikeAnswer() const
+{
+    return m_bytes.at(0) == m_request.at(0)
+           && (m_bytes.size() < 2 || (byteAt(m_bytes, 1) & 0x7F) == byteAt(m_request, 1));
+}
+
+bool AnswerFilter::isException() const
+{
+    return isExceptionTo(m_request, m_bytes.left(EXCEPTION_BYTES));
+}
+
+// An acknowledged write names its registers; of a read only the length tells.
+bool AnswerFilter::fitsRequest(int length) const
+{
+    const int function16 = 16;
+    return length == m_replyLength
+           && (byteAt(m_request, 1) != function16 || m_bytes.mid(2, 4) == m_request.mid(2, 4));
+}
+
+// How many bytes at the front are certainly no part of the answer.
+int AnswerFilter::foreignBytes() const
+{
+    if (isException())
+        return 0;
+    const int length = frameLength(m_bytes);
+    const bool isFrame =
+        length > 0 && m_bytes.size() >= length && endsInItsCrc(m_bytes.left(length));
+    if (beginsLikeAnswer())
+        return isFrame && !fitsRequest(length) ? length : 0;
+    if (isFrame)
+        return length;
+    return m_bytes.size() < length ? 0 : 1; // the rest of a frame may be on its way
+}
+
+void AnswerFilter::drop(int count)
+{
+    m_dropped.append(m_bytes.left(count));
+    m_bytes.remove(0, count);
+}
+
+void AnswerFilter::dropForeign()
+{
+    while (!m_bytes.isEmpty()) {
+        const int count = foreignBytes();
+        if (count == 0)
+            return;
+        drop(count);
+    }
+}
+
+} // namespace velko

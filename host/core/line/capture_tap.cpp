@@ -1,0 +1,66 @@
+#include "host/core/line/capture_tap.h"
+
+#include <sys/time.h>
+
+#include <stdexcept>
+
+namespace velko
+{
+
+namespace
+{
+
+const int LINK_TYPE = 147;
+const int LONGEST_RECORD = 65535;
+
+} // namespace
+
+CaptureTap::CaptureTap(const std::string &path)
+    : m_path(path),
+      m_format(pcap_open_dead(LINK_TYPE, LONGEST_RECORD), pcap_close),
+      m_file(pcap_dump_open(m_format.get(), path.c_str()), pcap_dump_close)
+{
+    if (!m_file)
+        throw std::runtime_error("the capture file cannot be written: "
+                                 + std::string(pcap_geterr(m_format.get())));
+}
+
+void CaptureTap::sent(const std::string &, const QByteArray &frame)
+{
+    write(frame);
+}
+
+void CaptureTap::received(const std::string &, const QByteArray &reply)
+{
+    write(reply);
+}
+
+void CaptureTap::dropped(const std::string &, const QByteArray &bytes)
+{
+    write(bytes);
+}
+
+void CaptureTap::judged(const std::string &, const std::string &)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    pcap_dump_flush(m_file.get());
+}
+
+void CaptureTap::finish()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (pcap_dump_flush(m_file.get()) != 0 || std::ferror(pcap_dump_file(m_file.get())) != 0)
+        throw std::runtime_error("the capture file " + m_path + " could not be written to its end");
+}
+
+void CaptureTap::write(const QByteArray &bytes)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    pcap_pkthdr header = {};
+    ::gettimeofday(&header.ts, nullptr);
+    header.len = header.caplen = static_cast<bpf_u_int32>(bytes.size());
+    pcap_dump(reinterpret_cast<u_char *>(m_file.get()), &header,
+              reinterpret_cast<const u_char *>(bytes.constData()));
+}
+
+} // namespace velko

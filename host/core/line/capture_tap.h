@@ -1,0 +1,40 @@
+// The bytes on the line as a capture file for Wireshark and tshark.
+#pragma once
+
+#include "host/core/line/line_tap.h"
+
+#include <pcap/pcap.h>
+
+#include <memory>
+#include <mutex>
+
+namespace velko
+{
+
+/// Link type 147, the first of those for private use: no type is assigned to Modbus RTU. In tshark:
+///   -o 'uat:user_dlts:"User 0 (DLT=147)","mbrtu","0","","0",""'
+class CaptureTap : public LineTap
+{
+public:
+    /// Begins the file anew. Throws std::runtime_error.
+    explicit CaptureTap(const std::string &path);
+
+    void sent(const std::string &link, const QByteArray &frame) override;
+    void received(const std::string &link, const QByteArray &reply) override;
+    void dropped(const std::string &link, const QByteArray &bytes) override;
+    /// What there is goes to the disk.
+    void judged(const std::string &link, const std::string &verdict) override;
+
+    /// Throws std::runtime_error when not everything could be written.
+    void finish();
+
+private:
+    void write(const QByteArray &bytes);
+
+    std::string m_path;
+    std::mutex m_mutex; // guards the file
+    std::unique_ptr<pcap_t, decltype(&pcap_close)> m_format;
+    std::unique_ptr<pcap_dumper_t, decltype(&pcap_dump_close)> m_file;
+};
+
+} // namespace velko

@@ -1,0 +1,25 @@
+#include "host/core/line/line_settings.h"
+
+#include <tuple>
+
+namespace velko
+{
+
+namespace
+{
+
+auto fieldsOf(const LineSettings &settings)
+{
+    return std::tie(settings.devices, settings.baudRate, settings.parity, settings.stopBits,
+                    settings.replyTimeout, settings.byteTimeout, settings.guardTime,
+                    settings.silenceFloor, settings.rs485, settings.echo);
+}
+
+} // namespace
+
+bool LineSettings::operator==(const LineSettings &other) const
+{
+    return fieldsOf(*this) == fieldsOf(other);
+}
+
+} // namespace velko

@@ -1,0 +1,71 @@
+#include "host/core/line/replies.h"
+
+#include "host/core/line/crc16.h"
+
+#include <array>
+
+namespace velko
+{
+
+namespace
+{
+
+const int EXCEPTION_FLAG = 0x80;
+const int WRITE_BYTES = 8; // station, function, address, value or count, CRC
+
+} // namespace
+
+int byteAt(const QByteArray &bytes, int index)
+{
+    return static_cast<unsigned char>(bytes.at(index));
+}
+
+int frameLength(const QByteArray &bytes)
+{
+    if (bytes.size() < 2)
+        return EXCEPTION_BYTES; // the shortest there is
+    const int function = byteAt(bytes, 1);
+    if ((function & EXCEPTION_FLAG) != 0)
+        return EXCEPTION_BYTES;
+    if (function >= 1 && function <= 4)
+        return READ_OVERHEAD_BYTES + (bytes.size() > 2 ? byteAt(bytes, 2) : 0);
+    const bool isWrite = function == 5 || function == 6 || function == 15 || function == 16;
+    return isWrite ? WRITE_BYTES : 0;
+}
+
+bool isExceptionTo(const QByteArray &request, const QByteArray &reply)
+{
+    return reply.size() == EXCEPTION_BYTES && request.size() >= 2 && reply.at(0) == request.at(0)
+           && byteAt(reply, 1) == (byteAt(request, 1) | EXCEPTION_FLAG) && endsInItsCrc(reply);
+}
+
+int exceptionCode(const QByteArray &reply)
+{
+    return byteAt(reply, 2);
+}
+
+std::string exceptionText(int code)
+{
+    static const std::array<const char *, 12> names = {"",
+                                                       "illegal function",
+                                                       "illegal data address",
+                                                       "illegal data value",
+                                                       "slave device failure",
+                                                       "acknowledge",
+                                                       "slave device busy",
+                                                       "negative acknowledge",
+                                                       "memory parity error",
+                                                       "",
+                                                       "gateway path unavailable",
+                                                       "gateway target silent"};
+    const size_t index = static_cast<size_t>(code);
+    const std::string name = code > 0 && index < names.size() ? names.at(index) : "";
+    return "exception " + std::to_string(code) + " (" + (name.empty() ? "unknown" : name) + ")";
+}
+
+std::string hexText(const QByteArray &bytes)
+{
+    return bytes.toHex(' ').toUpper().toStdString();
+}
+
+} // namespace velko

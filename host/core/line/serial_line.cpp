@@ -1,0 +1,165 @@
+#include "host/core/line/serial_line.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace velko
+{
+
+namespace
+{
+
+// A line that never falls silent is not waited for.
+const int MAX_DISCARDS = 100;
+
+const int LONGEST_FRAME = 256; // bytes
+const int MAX_BATCHES = 10;    // that a USB adapter makes of one
+
+} // namespace
+
+SerialLine::SerialLine(const LineSettings &settings, const LineTaps &taps,
+                       const AdapterIdentity &lastSeen)
+    : m_settings(settings),
+      m_taps(taps),
+      m_port(settings, lastSeen),
+      m_lastByte(Clock::now())
+{
+}
+
+Exchange SerialLine::exchange(const QByteArray &frame, int replyLength)
+{
+    settle();
+    send(frame);
+    m_wasHeard = false;
+    AnswerFilter filter(frame, replyLength);
+    Exchange exchange;
+    if (m_settings.echo)
+        exchange.outcome = takeEcho(frame, filter);
+    if (exchange.outcome == Exchange::NOTHING)
+        exchange = receive(filter);
+    m_taps.dropped(filter.takeDropped());
+    m_taps.received(exchange.reply);
+    m_taps.dropped(filter.takeRest());
+    exchange.isQuiet = !m_wasHeard;
+    if (exchange.outcome != Exchange::ANSWERED)
+        rest();
+    return exchange;
+}
+
+// What came since the last exchange belongs to nobody, and the silence begins behind it.
+void SerialLine::settle()
+{
+    for (int i = 0; i < MAX_DISCARDS; ++i) {
+        std::this_thread::sleep_until(m_lastByte + silenceTime(m_settings));
+        const QByteArray late = read(0);
+        if (late.isEmpty())
+            return;
+        m_taps.dropped(late);
+    }
+}
+
+// The system takes the bytes at once; the wire needs its time for them.
+void SerialLine::send(const QByteArray &frame)
+{
+    m_taps.sent(frame);
+    m_port.write(frame);
+    m_lastByte = Clock::now() + wireTime(m_settings, frame.size());
+}
+
+Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, AnswerFilter &filter)
+{
+    const Clock::time_point deadline = m_lastByte + milliseconds(m_settings.replyTimeout);
+    QByteArray echo;
+    while (echo.size() < frame.size() && frame.startsWith(echo)) {
+        const int left = millisecondsUntil(deadline);
+        const QByteArray bytes = left > 0 ? read(left) : QByteArray();
+        if (bytes.isEmpty())
+            break;
+        echo.append(bytes);
+    }
+    if (echo.isEmpty())
+        return Exchange::NO_ECHO;
+    if (!echo.startsWith(frame)) {
+        m_taps.dropped(echo);
+        return Exchange::COLLISION;
+    }
+    m_wasHeard = echo.size() > frame.size();
+    filter.add(echo.mid(frame.size()));
+    return Exchange::NOTHING;
+}
+
+Exchange SerialLine::receive(AnswerFilter &filter)
+{
+    const Clock::time_point sent = m_lastByte;
+    const Clock::time_point deadline = sent + milliseconds(m_settings.replyTimeout);
+    await(filter, deadline);
+    Exchange exchange;
+    if (!filter.hasBegun())
+        return exchange;
+    const auto delay = std::chrono::duration_cast<microseconds>(Clock::now() - sent);
+    exchange.responseTime = std::max(delay, microseconds(0));
+    collect(filter, deadline);
+    exchange.reply = filter.answer();
+    exchange.outcome = exchange.reply.isEmpty() ? Exchange::NOTHING
+                       : filter.isComplete()    ? Exchange::ANSWERED
+                                                : Exchange::CUT;
+    return exchange;
+}
+
+// Until the answer's first byte.
+void SerialLine::await(AnswerFilter &filter, Clock::time_point deadline)
+{
+    const int pause = byteTimeout(m_settings);
+    Clock::time_point lastByte = Clock::now();
+    while (!filter.hasBegun()) {
+        const int left = millisecondsUntil(deadline);
+        if (left == 0) {
+            filter.gap(); // behind what looked like another frame, the answer may have begun
+            return;
+        }
+        const QByteArray bytes = read(std::min(left, pause));
+        if (!bytes.isEmpty()) {
+            filter.add(bytes);
+            lastByte = Clock::now();
+        } else if (Clock::now() - lastByte >= milliseconds(pause)) {
+            filter.gap();
+        }
+    }
+}
+
+// The rest of the answer. A line that never falls silent is not listened to for ever.
+void SerialLine::collect(AnswerFilter &filter, Clock::time_point deadline)
+{
+    const int pause = byteTimeout(m_settings);
+    const Clock::time_point end =
+        Clock::now() + wireTime(m_settings, LONGEST_FRAME) + MAX_BATCHES * milliseconds(pause);
+    while (!filter.isComplete() && Clock::now() < end) {
+        const QByteArray bytes = read(pause);
+        if (bytes.isEmpty())
+            return;
+        filter.add(bytes);
+        if (!filter.hasBegun()) // it was a late answer to another request
+            await(filter, deadline);
+    }
+}
+
+// An answer that comes later than the time-out would be taken for the answer to the next request.
+void SerialLine::rest()
+{
+    const milliseconds guard(m_settings.guardTime.value_or(m_settings.replyTimeout));
+    const Clock::time_point end = Clock::now() + guard;
+    for (int left = millisecondsUntil(end); left > 0; left = millisecondsUntil(end))
+        m_taps.dropped(read(left));
+}
+
+QByteArray SerialLine::read(int timeout)
+{
+    QByteArray bytes = m_port.read(timeout);
+    if (bytes.isEmpty())
+        return bytes;
+    m_lastByte = std::max(m_lastByte, Clock::now());
+    m_wasHeard = true;
+    return bytes;
+}
+
+} // namespace velko

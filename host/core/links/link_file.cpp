@@ -1,0 +1,193 @@
+#include "host/core/links/link_file.h"
+
+#include "host/core/links/fields.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <map>
+#include <set>
+
+namespace velko
+{
+
+namespace
+{
+
+const int HIGHEST_STATION = 247;
+const int LOWEST_MAX_REGS = 2;
+const int HIGHEST_MAX_REGS_WRITING = 122; // function 16 carries 123; a double word is not cut
+const int HIGHEST_MAX_REGS_READING = 125;
+const int HIGHEST_TIME = 60000; // milliseconds
+
+const std::vector<std::string> linkKeys = {
+    "name",        "device",          "baud",       "parity",     "stopBits", "timeout",
+    "byteTimeout", "guard",           "silence",    "rs485",      "echo",     "maxRegs",
+    "retries",     "ownFailuresOnly", "offerAgain", "staleAfter", "variable"};
+
+const std::vector<std::string> variableKeys = {"name",   "station", "kind",  "address",
+                                               "format", "count",   "access"};
+
+// A name stands before "=" in a write and in a line of its own in what is printed.
+std::string readName(const Fields &fields, const char *what, std::set<std::string> &known)
+{
+    std::string name = fields.requiredText("name");
+    for (const char character : name) {
+        const int code = static_cast<unsigned char>(character);
+        if (code <= ' ' || code == '=' || code == 127)
+            fields.fail("name",
+                        "\"" + name + "\" holds a space, a \"=\" or what cannot be printed");
+    }
+    if (!known.insert(name).second)
+        fields.fail("name", std::string("there is another ") + what + " \"" + name + "\"");
+    return name;
+}
+
+LineSettings readLine(const Fields &fields)
+{
+    LineSettings line;
+    line.devices = fields.requiredTexts("device");
+    line.baudRate = fields.number("baud", 300, 4000000, line.baudRate);
+    line.parity = "NEO"[fields.choice("parity", {"none", "even", "odd"}, 1)];
+    line.stopBits = fields.number("stopBits", 1, 2, line.stopBits);
+    line.replyTimeout = fields.number("timeout", 1, HIGHEST_TIME, line.replyTimeout);
+    line.byteTimeout = fields.number("byteTimeout", 1, HIGHEST_TIME, line.byteTimeout);
+    line.guardTime = fields.number("guard", 0, HIGHEST_TIME);
+    line.silenceFloor = fields.microseconds("silence", 1000);
+    line.rs485 =
+        static_cast<Rs485>(fields.choice("rs485", {"off", "rts-on-send", "rts-after-send"}, 0));
+    line.echo = fields.flag("echo", false);
+    return line;
+}
+
+class Reader
+{
+public:
+    explicit Reader(const std::string &path) : m_path(path) {}
+
+    std::vector<Link> read()
+    {
+        const toml::table file = parse();
+        const Fields fields(m_path, file, "the file", {"link"});
+        std::vector<Link> links;
+        for (const toml::node &node : fields.requiredTables("link"))
+            links.push_back(readLink(*node.as_table()));
+        return links;
+    }
+
+private:
+    toml::table parse() const
+    {
+        QFile file(QString::fromStdString(m_path));
+        if (QFileInfo(file).isDir() || !file.open(QIODevice::ReadOnly))
+            throw FileError(m_path + ": it cannot be read: "
+                            + (QFileInfo(file).isDir() ? "it is a directory"
+                                                       : file.errorString().toStdString()));
+        try {
+            return toml::parse(file.readAll().toStdString(), m_path);
+        } catch (const toml::parse_error &error) {
+            throw errorAt(m_path, error.source(), std::string(error.description()));
+        }
+    }
+
+    Link readLink(const toml::table &table)
+    {
+        const Fields fields(m_path, table, "a link", linkKeys);
+        Link link;
+        link.name = readName(fields, "link", m_linkNames);
+        link.line = readLine(fields);
+        for (const std::string &device : link.line.devices)
+            if (!m_devices.insert(device).second)
+                fields.fail("device",
+                            "\"" + device + "\" stands there already; one line is one link");
+        link.retries = fields.number("retries", 0, 100, link.retries);
+        link.ownFailuresOnly = fields.flag("ownFailuresOnly", link.ownFailuresOnly);
+        link.offerAgain = fields.number("offerAgain", 0, 100, link.offerAgain);
+        link.staleAfter = fields.number("staleAfter", 1, 86400000, link.staleAfter);
+        link.maxRegs =
+            fields.number("maxRegs", LOWEST_MAX_REGS, HIGHEST_MAX_REGS_READING, link.maxRegs);
+        for (const toml::node &node : fields.requiredTables("variable"))
+            link.variables.push_back(readVariable(*node.as_table()));
+        checkMaxRegs(fields, link);
+        checkTargets(fields, link);
+        return link;
+    }
+
+    Variable readVariable(const toml::table &table)
+    {
+        const Fields fields(m_path, table, "a variable", variableKeys);
+        Variable variable;
+        variable.name = readName(fields, "variable", m_variableNames);
+        variable.station = fields.number("station", 1, HIGHEST_STATION, variable.station);
+        variable.address = fields.requiredAddress("address");
+        variable.count = fields.number("count", 1, 1024, variable.count);
+        const size_t access = fields.choice("access", {"read", "write", "read-write"}, 0);
+        variable.access = static_cast<Access>(access);
+        located(fields, "kind", [&] { variable.kind = parseKind(fields.requiredText("kind")); });
+        located(fields, "format", [&] {
+            const std::optional<std::string> format = fields.text("format");
+            variable.format = format ? parseFormat(*format) : defaultFormat(variable.kind);
+        });
+        if (variable.isWritten() && !isWritable(variable.kind))
+            fields.fail("access", "kind \"" + kindName(variable.kind) + "\" cannot be written");
+        located(fields, "address", [&] { checkVariable(variable); });
+        return variable;
+    }
+
+    template <typename Step>
+    static void located(const Fields &fields, const std::string &key, const Step &step)
+    {
+        try {
+            step();
+        } catch (const std::invalid_argument &error) {
+            fields.fail(key, error.what());
+        }
+    }
+
+    static void checkMaxRegs(const Fields &fields, const Link &link)
+    {
+        if (!link.isWritten())
+            return;
+        if (link.maxRegs > HIGHEST_MAX_REGS_WRITING || link.maxRegs % 2 != 0)
+            fields.fail("maxRegs",
+                        "on a link with variables that are written it must be an even number from "
+                            + std::to_string(LOWEST_MAX_REGS) + " to "
+                            + std::to_string(HIGHEST_MAX_REGS_WRITING));
+    }
+
+    // Of two queued writes to one target the driver keeps the newer one, under its name alone: the
+    // fate of the other would never be told.
+    static void checkTargets(const Fields &fields, const Link &link)
+    {
+        std::map<WriteTarget, std::string> names;
+        for (size_t i = 0; i < link.variables.size(); ++i) {
+            const Variable &variable = link.variables[i];
+            if (!variable.isWritten())
+                continue;
+            for (const WriteTarget &target : targetsOf(variable, link.maxRegs)) {
+                const auto place = names.insert({target, variable.name}).first;
+                if (place->second != variable.name)
+                    fields.failAt("variable", i,
+                                  "\"" + variable.name + "\" writes what \"" + place->second
+                                      + "\" writes already: register "
+                                      + std::to_string(target.firstBit / 16) + " of station "
+                                      + std::to_string(target.station)
+                                      + "; let one of the two be read only");
+            }
+        }
+    }
+
+    std::string m_path;
+    std::set<std::string> m_linkNames;
+    std::set<std::string> m_devices;
+    std::set<std::string> m_variableNames;
+};
+
+} // namespace
+
+std::vector<Link> readLinkFile(const std::string &path)
+{
+    return Reader(path).read();
+}
+
+} // namespace velko

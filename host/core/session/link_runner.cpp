@@ -1,0 +1,127 @@
+#include "host/core/session/link_runner.h"
+
+#include "host/core/line/port_error.h"
+
+namespace velko
+{
+
+namespace
+{
+
+// A turn without a request costs nothing on the line; without a pause it would cost the processor.
+const milliseconds IDLE_PAUSE(1);
+
+} // namespace
+
+LinkRunner::LinkRunner(CommunicationLoop &loop)
+    : m_loop(loop),
+      m_reopenPauses(milliseconds(100), milliseconds(200), milliseconds(5000))
+{
+}
+
+LinkRunner::~LinkRunner()
+{
+    stop();
+}
+
+void LinkRunner::start()
+{
+    m_thread.reset(QThread::create([this] { run(); }));
+    m_thread->start();
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_isOpened || !m_openError.empty(); });
+    if (!m_openError.empty())
+        throw PortError(m_openError);
+}
+
+void LinkRunner::stop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_isStopping = true;
+    }
+    m_changed.notify_all();
+    if (m_thread)
+        m_thread->wait();
+}
+
+void LinkRunner::post(const Order &order)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_orders.push_back(order);
+        m_isIdle = false;
+    }
+    m_changed.notify_all();
+}
+
+bool LinkRunner::isIdle() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_isIdle;
+}
+
+void LinkRunner::run()
+{
+    if (!openFirst())
+        return;
+    for (;;) {
+        takeOrders();
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            if (m_isStopping)
+                break;
+            m_isIdle = m_orders.empty() && !m_loop.hasPendingWrites();
+        }
+        if (!m_loop.isOpen())
+            reopen();
+        else if (!m_loop.turn())
+            pause(IDLE_PAUSE);
+    }
+    m_loop.close("the program ended first"); // on the thread that opened it
+}
+
+// A wrong name is told at once; only a port that was there is waited for.
+bool LinkRunner::openFirst()
+{
+    std::string error;
+    try {
+        m_loop.open();
+    } catch (const PortError &thrown) {
+        error = thrown.what();
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_isOpened = error.empty();
+    m_openError = error;
+    m_changed.notify_all();
+    return m_isOpened;
+}
+
+void LinkRunner::reopen()
+{
+    try {
+        m_loop.open();
+        m_reopenPauses.restart();
+    } catch (const PortError &) {
+        pause(m_reopenPauses.next());
+    }
+}
+
+void LinkRunner::takeOrders()
+{
+    std::vector<Order> orders;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        orders.swap(m_orders);
+    }
+    for (const Order &order : orders)
+        order(m_loop);
+}
+
+void LinkRunner::pause(milliseconds time)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_changed.wait_for(lock, time, [this] { return m_isStopping || !m_orders.empty(); });
+}
+
+} // namespace velko

@@ -1,0 +1,80 @@
+#include "host/core/variables/kinds.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace velko
+{
+
+namespace
+{
+
+const int AREAS = 3;
+const int HOLDING_5000_OFFSET = 5000;
+const int MAX_DIGITS = 9;
+
+bool isDecimal(const std::string &text)
+{
+    return !text.empty() && text.size() <= MAX_DIGITS
+           && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+} // namespace
+
+WIDTH widthOf(int kind)
+{
+    return static_cast<WIDTH>(kind / AREAS);
+}
+
+int areaOf(int kind)
+{
+    return AREA_INPUT + kind % AREAS;
+}
+
+int wireOffset(int area)
+{
+    return area == AREA_HOLDING_5000 ? HOLDING_5000_OFFSET : 0;
+}
+
+int unitBits(int kind)
+{
+    static const int bits[] = {1, 8, 16, 32};
+    return bits[widthOf(kind)];
+}
+
+std::string kindName(int kind)
+{
+    static const char *const areas[AREAS] = {"input", "holding", "holding 5000"};
+    static const char *const widths[] = {"bit", "byte", "word", "double word"};
+    return std::string(areas[kind % AREAS]) + " " + widths[widthOf(kind)];
+}
+
+int parseKind(const std::string &text)
+{
+    if (isDecimal(text))
+        return parseNumber(text, "kind", 0, KIND_COUNT - 1);
+    std::string name = text;
+    std::replace(name.begin(), name.end(), '-', ' ');
+    for (int kind = 0; kind < KIND_COUNT; ++kind)
+        if (name == kindName(kind))
+            return kind;
+    throw std::invalid_argument("kind \"" + text
+                                + "\" is none of: input, holding or holding 5000 followed by bit, "
+                                  "byte, word or double word");
+}
+
+bool isWritable(int kind)
+{
+    return areaOf(kind) != AREA_INPUT;
+}
+
+int parseNumber(const std::string &text, const std::string &what, int lowest, int highest)
+{
+    const int number = isDecimal(text) ? std::stoi(text) : -1;
+    if (number < lowest || number > highest)
+        throw std::invalid_argument(what + " \"" + text + "\" is not a number from "
+                                    + std::to_string(lowest) + " to " + std::to_string(highest));
+    return number;
+}
+
+} // namespace velko

@@ -1,0 +1,32 @@
+#include "host/core/writes/request_reports.h"
+
+namespace velko
+{
+
+namespace
+{
+
+thread_local std::vector<RequestReport> reports;
+
+// Runs inside DataCom with the driver's list lock held: it notes what happened and returns. What is
+// to follow, a write offered again for instance, waits until DataCom has returned.
+void onRequestDone(int, int ownerId, int ownerTag, int status)
+{
+    reports.push_back({ownerId, ownerTag, status});
+}
+
+} // namespace
+
+void collectReports(const DriverLibrary &driver)
+{
+    driver.RegistCallBackFuncIntf(onRequestDone, nullptr);
+}
+
+std::vector<RequestReport> takeReports()
+{
+    std::vector<RequestReport> taken;
+    taken.swap(reports);
+    return taken;
+}
+
+} // namespace velko

@@ -1,8 +1,0 @@
-// The file that says which links there are and which variables: TOML.
-#pragma once
-
-#include "host/links/file_error.h"
-#include "host/links/link.h"
-
-/// At least one link, each with at least one variable. Throws FileError.
-std::vector<Link> readLinkFile(const std::string &path);

@@ -1,0 +1,27 @@
+// A JSON object on each line.
+#pragma once
+
+#include "host/views/poll_view.h"
+
+#include <QJsonObject>
+
+#include <map>
+
+namespace velko
+{
+
+class JsonView : public PollView
+{
+public:
+    void show(const Snapshot &snapshot) override;
+    void tell(const Event &event) override;
+    void note(const std::string &text) override;
+    void finish(const Snapshot &snapshot) override;
+
+private:
+    static void print(const char *event, QJsonObject object);
+
+    std::map<std::string, std::string> m_shown; // by name
+};
+
+} // namespace velko

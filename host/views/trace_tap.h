@@ -1,0 +1,32 @@
+// Frames in hexadecimal, with times, as lines of text.
+#pragma once
+
+#include "host/core/line/line_tap.h"
+
+#include <cstdio>
+#include <mutex>
+
+namespace velko
+{
+
+/// "12:00:01.123456 press -> 01 03 00 64 00 02 85 D4": -> sent, <- received, xx dropped, == what
+/// became of it.
+class TraceTap : public LineTap
+{
+public:
+    /// The stream is the caller's and outlives the tap.
+    explicit TraceTap(std::FILE *stream) : m_stream(stream) {}
+
+    void sent(const std::string &link, const QByteArray &frame) override;
+    void received(const std::string &link, const QByteArray &reply) override;
+    void dropped(const std::string &link, const QByteArray &bytes) override;
+    void judged(const std::string &link, const std::string &verdict) override;
+
+private:
+    void print(const std::string &link, const char *mark, const std::string &text);
+
+    std::mutex m_mutex; // one line at a time
+    std::FILE *m_stream;
+};
+
+} // namespace velko
