@@ -1,6 +1,5 @@
 // The driver object: the lists, tables and flags that every part of the library works on.
-#ifndef DRIVER_MODBUS_RTU_MASTER_H
-#define DRIVER_MODBUS_RTU_MASTER_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -77,5 +76,3 @@ extern VELKO_API void *RWI;
 
 /// Marks the start of a request of `frames` frames in the host's record.
 void startRequest(int frames);
-
-#endif

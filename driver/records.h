@@ -1,7 +1,6 @@
 // The records that the driver works on. Those shared with the host are defined in the host's
 // header, so that there is one definition of each layout.
-#ifndef DRIVER_RECORDS_H
-#define DRIVER_RECORDS_H
+#pragma once
 
 #include "velko_modbus_rtu.h"
 
@@ -32,5 +31,3 @@ typedef QByteArray AreaImage;
 
 /// Station -> area code -> image.
 typedef QMap<int, QMap<int, AreaImage>> StationImages;
-
-#endif

@@ -1,9 +1,9 @@
 #include "frames/Func_Read.h"
 
+#include "bytes/Func_Check.h"
+#include "bytes/wire_order.h"
 #include "driver/modbus_rtu_master.h"
 #include "driver/variable_kinds.h"
-#include "frames/Func_Check.h"
-#include "frames/wire_order.h"
 
 namespace
 {

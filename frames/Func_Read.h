@@ -1,6 +1,5 @@
 // Read requests: functions 03 and 04.
-#ifndef FRAMES_FUNC_READ_H
-#define FRAMES_FUNC_READ_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -13,5 +12,3 @@ Protocol ReadAnalog(const RW_VAR &record);
 
 /// Queues the read request of a record. Communication thread, listMutex held.
 void ReadRegister(RW_VAR *record);
-
-#endif

@@ -1,10 +1,10 @@
 #include "frames/Func_Remote.h"
 
+#include "bytes/Func_Check.h"
+#include "bytes/wire_order.h"
 #include "driver/modbus_rtu_master.h"
-#include "frames/Func_Check.h"
 #include "frames/Func_Read.h"
 #include "frames/Func_Write.h"
-#include "frames/wire_order.h"
 #include "store/Func_GetOrSetData.h"
 
 namespace

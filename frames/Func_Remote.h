@@ -1,6 +1,5 @@
 // Requests of remote mode: a frame format of the library's own, sealed with a one-byte sum.
-#ifndef FRAMES_FUNC_REMOTE_H
-#define FRAMES_FUNC_REMOTE_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -8,5 +7,3 @@
 // whose frame would pass LIMIT_FRAME_BYTES queues none. Communication thread, listMutex held.
 void Remote_ReadVar(RW_VAR *record);
 void Remote_WriteVar(RW_VAR *record); ///< takes storeMutex
-
-#endif

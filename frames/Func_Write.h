@@ -1,6 +1,5 @@
 // Write requests: function 16, and the read-modify-write of bits and bytes.
-#ifndef FRAMES_FUNC_WRITE_H
-#define FRAMES_FUNC_WRITE_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -19,5 +18,3 @@ Protocol WriteBool(const RW_VAR &record);
 /// no Modbus request, and shows the value in the store unless the line is failing. Communication
 /// thread, listMutex held; takes storeMutex.
 void WriteRegister(RW_VAR *record);
-
-#endif

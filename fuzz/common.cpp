@@ -1,6 +1,6 @@
 #include "fuzz/common.h"
 
-#include "frames/Func_Check.h"
+#include "bytes/Func_Check.h"
 
 #include <QLocale>
 

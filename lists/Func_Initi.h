@@ -1,6 +1,5 @@
 // The cyclic read list: variables merged into few requests.
-#ifndef LISTS_FUNC_INITI_H
-#define LISTS_FUNC_INITI_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -16,5 +15,3 @@ void BitVarReCreat(QList<RW_VAR> *group, int maxRegs);
 /// Appends the record to readList in pieces of exactly maxRegs registers; what remains is appended
 /// as well with `keepRest`. The record is left describing what remained.
 void addressAdd(RW_VAR &record, int maxRegs, bool keepRest);
-
-#endif

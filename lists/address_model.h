@@ -1,6 +1,5 @@
 // Address texts, linear offsets and register ranges. Pure computation: any thread, no lock.
-#ifndef LISTS_ADDRESS_MODEL_H
-#define LISTS_ADDRESS_MODEL_H
+#pragma once
 
 #include <QString>
 
@@ -21,5 +20,3 @@ RegisterRange ToRegisterRange(int kind, int offset, int length);
 
 /// True when a length covers more registers than one call may name (LIMIT_REGISTERS).
 bool passesRegisterLimit(int kind, int offset, int length);
-
-#endif

@@ -1,6 +1,5 @@
 // The cutting of a run of registers into requests of at most maxRegs registers.
-#ifndef LISTS_REGISTER_PIECES_H
-#define LISTS_REGISTER_PIECES_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -46,5 +45,3 @@ inline RW_VAR pieceOf(const RW_VAR &record, const RegisterPieces &pieces, int in
     piece.count = pieces.size(index);
     return piece;
 }
-
-#endif

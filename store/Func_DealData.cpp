@@ -1,11 +1,11 @@
 #include "store/Func_DealData.h"
 
+#include "bytes/Func_Check.h"
+#include "bytes/wire_order.h"
 #include "driver/modbus_rtu_master.h"
 #include "driver/variable_kinds.h"
-#include "frames/Func_Check.h"
 #include "frames/Func_Read.h"
 #include "frames/Func_Write.h"
-#include "frames/wire_order.h"
 #include "store/data_store.h"
 
 namespace

@@ -1,6 +1,5 @@
 // Saving good read replies: into the store, or into the write half of a read-modify-write.
-#ifndef STORE_FUNC_DEAL_DATA_H
-#define STORE_FUNC_DEAL_DATA_H
+#pragma once
 
 #include <QByteArray>
 
@@ -11,5 +10,3 @@ void SaveToLocalDataErea(const QByteArray *reply);
 /// Completes the write frame behind the head of pendingList with the register that was read.
 /// Without such a frame, or with a reply too short to hold a register, nothing changes.
 void SpecialRegisterSave(const QByteArray *reply);
-
-#endif

@@ -1,6 +1,5 @@
 // The host's reads and writes of values.
-#ifndef STORE_FUNC_GET_OR_SET_DATA_H
-#define STORE_FUNC_GET_OR_SET_DATA_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -12,5 +11,3 @@ void WriteDataToLocal(const RW_VAR *record);
 /// The same for a write to the device: of a double word that was cut in the middle, the half that the
 /// record carries, and not the register beside it.
 void ShowDeviceWrite(const RW_VAR *record);
-
-#endif

@@ -1,7 +1,7 @@
 #include "store/data_store.h"
 
+#include "bytes/wire_order.h"
 #include "driver/modbus_rtu_master.h"
-#include "frames/wire_order.h"
 
 #include <cstring>
 

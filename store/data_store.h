@@ -1,7 +1,6 @@
 // The byte operations of the data store. Every caller holds storeMutex, for reads as well: a
 // look-up may insert an entry.
-#ifndef STORE_DATA_STORE_H
-#define STORE_DATA_STORE_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -25,5 +24,3 @@ void writeBytes(AreaImage &image, qint64 index, qint64 length, const QByteArray 
 /// The same for bits: bit i of the run is set when byte i of `bytes` is not 0. `bit` counts from the
 /// lowest bit of the image's first byte. The other bits keep their values.
 void writeBits(AreaImage &image, qint64 bit, qint64 length, const QByteArray &bytes);
-
-#endif

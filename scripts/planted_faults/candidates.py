@@ -7,7 +7,7 @@ import subprocess
 from planted_faults.fault import Fault
 from planted_faults.tree import ROOT, tracked_files
 
-SOURCES = ["driver", "frames", "lists", "store", "include/velko_modbus_rtu.h"]
+SOURCES = ["driver", "bytes", "lists", "store", "frames", "exchange", "include/velko_modbus_rtu.h"]
 
 COMPARISONS = {"==": ["!="], "!=": ["=="], "<": ["<=", ">="], "<=": ["<", ">"],
                ">": [">=", "<="], ">=": [">", "<"]}

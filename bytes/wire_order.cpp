@@ -1,4 +1,4 @@
-#include "frames/wire_order.h"
+#include "bytes/wire_order.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 // Which request goes out next: writes, then one-shot reads, then the cyclic list.
 #include "driver/modbus_rtu_master.h"
-#include "driver/rotation.h"
 #include "driver/station_table.h"
+#include "exchange/rotation.h"
 #include "frames/Func_Read.h"
 #include "frames/Func_Remote.h"
 #include "frames/Func_Write.h"

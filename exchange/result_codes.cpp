@@ -1,4 +1,4 @@
-#include "driver/result_codes.h"
+#include "exchange/result_codes.h"
 
 #include "driver/modbus_rtu_master.h"
 

@@ -1,6 +1,5 @@
 // The judgement of replies: what the answer to the frame on the line is worth.
-#ifndef DRIVER_REPLY_JUDGEMENT_H
-#define DRIVER_REPLY_JUDGEMENT_H
+#pragma once
 
 #include <QByteArray>
 
@@ -9,5 +8,3 @@
 // `length` bytes. Communication thread; take storeMutex.
 int DealDataOfLocalArea(const QByteArray *reply, int length);
 int DealDataOfRemoteArea(const QByteArray *reply, int length);
-
-#endif

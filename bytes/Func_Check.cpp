@@ -1,7 +1,7 @@
-#include "frames/Func_Check.h"
+#include "bytes/Func_Check.h"
 
+#include "bytes/wire_order.h"
 #include "driver/modbus_rtu_master.h"
-#include "frames/wire_order.h"
 
 namespace
 {

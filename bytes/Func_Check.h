@@ -1,6 +1,5 @@
 // Checksums, and the check of replies.
-#ifndef FRAMES_FUNC_CHECK_H
-#define FRAMES_FUNC_CHECK_H
+#pragma once
 
 #include <QByteArray>
 
@@ -30,5 +29,3 @@ enum ReplyCheck { REPLY_INVALID = 0, REPLY_TO_READ = 1, REPLY_TO_WRITE = 2 };
 /// Judges the first `length` bytes of a reply against the frame at the head of pendingList, which
 /// must not be empty: its CRC, and whether it answers a read or a write. Communication thread.
 int CheckGetData(const QByteArray *reply, int length);
-
-#endif

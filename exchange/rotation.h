@@ -1,6 +1,5 @@
 // Turning a request list, so that each request has its turn.
-#ifndef DRIVER_ROTATION_H
-#define DRIVER_ROTATION_H
+#pragma once
 
 #include "driver/records.h"
 
@@ -10,5 +9,3 @@ inline void rotate(QList<RW_VAR> &list)
 {
     list.append(list.takeFirst());
 }
-
-#endif

@@ -1,8 +1,8 @@
-#include "driver/reply_judgement.h"
+#include "exchange/reply_judgement.h"
 
+#include "bytes/Func_Check.h"
 #include "driver/modbus_rtu_master.h"
-#include "driver/result_codes.h"
-#include "frames/Func_Check.h"
+#include "exchange/result_codes.h"
 #include "store/Func_DealData.h"
 
 #include <QMutexLocker>

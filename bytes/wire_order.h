@@ -1,7 +1,6 @@
 // Byte order on the line, the one place where it is decided: numbers high byte first, and registers
 // swapped between the line (high byte first) and the store (low byte first).
-#ifndef FRAMES_WIRE_ORDER_H
-#define FRAMES_WIRE_ORDER_H
+#pragma once
 
 #include <QByteArray>
 
@@ -19,5 +18,3 @@ void swapRegisters(const char *from, int registers, char *to);
 /// The first `registers` registers of `bytes`, each with its two bytes exchanged. Bytes that are not
 /// there count as 0.
 QByteArray swappedRegisters(const QByteArray &bytes, int registers);
-
-#endif

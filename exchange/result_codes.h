@@ -1,6 +1,5 @@
 // Outcomes of judged replies and the result codes that the host sees for them.
-#ifndef DRIVER_RESULT_CODES_H
-#define DRIVER_RESULT_CODES_H
+#pragma once
 
 enum Outcome {
     OUTCOME_GOOD = 0,
@@ -18,5 +17,3 @@ int GetDriverReturnValue(int outcome);
 
 /// classBase + 1, plus the ownerId of the frame on the line when that is 0 to 11.
 int SwitchErrorReturn(int classBase);
-
-#endif

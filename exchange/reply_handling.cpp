@@ -1,8 +1,8 @@
-#include "driver/reply_handling.h"
+#include "exchange/reply_handling.h"
 
 #include "driver/modbus_rtu_master.h"
-#include "driver/reply_judgement.h"
-#include "driver/rotation.h"
+#include "exchange/reply_judgement.h"
+#include "exchange/rotation.h"
 
 #include <QMutexLocker>
 
