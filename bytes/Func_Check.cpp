@@ -1,13 +1,15 @@
 #include "bytes/Func_Check.h"
 
+#include "bytes/frame_layout.h"
+
 #include "bytes/wire_order.h"
 #include "driver/modbus_rtu_master.h"
 
 namespace
 {
 
-const int CRC_BYTES = 2;
-const int BROADCAST_STATION = 0;
+const unsigned int CRC_POLYNOMIAL = 0xA001; // 0x8005, bit-reversed
+const unsigned int CRC_START = 0xFFFF;
 
 const unsigned char *bytesOf(const QByteArray &array)
 {
@@ -33,12 +35,11 @@ unsigned char byteAt(const QByteArray &array, int index)
 // show it.
 __attribute__((noinline)) unsigned short CalCRC(const unsigned char *bytes, unsigned short length)
 {
-    const unsigned int polynomial = 0xA001;
-    unsigned int crc = 0xFFFF;
+    unsigned int crc = CRC_START;
     for (int i = 0; i < length; ++i) {
         crc ^= bytes[i];
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1U) ? crc >> 1 ^ polynomial : crc >> 1;
+        for (int bit = 0; bit < BYTE_BITS; ++bit)
+            crc = (crc & 1U) ? crc >> 1 ^ CRC_POLYNOMIAL : crc >> 1;
     }
     return static_cast<unsigned short>(crc);
 }
@@ -78,7 +79,12 @@ void appendCRC(QByteArray &frame)
 {
     const int crc = CalCRC(bytesOf(frame), static_cast<unsigned short>(frame.size()));
     putByte(frame, crc);
-    putByte(frame, crc >> 8);
+    putByte(frame, crc >> BYTE_BITS);
+}
+
+void appendSum(QByteArray &frame)
+{
+    putByte(frame, CalSUM(bytesOf(frame), static_cast<unsigned short>(frame.size())));
 }
 
 int CheckGetData(const QByteArray *reply, int length)
@@ -91,7 +97,7 @@ int CheckGetData(const QByteArray *reply, int length)
 
     const int covered = length - CRC_BYTES;
     const int crc = CalCRC(bytesOf(*reply), static_cast<unsigned short>(covered));
-    if (byteAt(*reply, covered) != (crc & 0xFF) || byteAt(*reply, covered + 1) != crc >> 8)
+    if (byteAt(*reply, covered) != (crc & 0xFF) || byteAt(*reply, covered + 1) != crc >> BYTE_BITS)
         return REPLY_INVALID;
 
     switch (request.rwFlag) {

@@ -24,8 +24,11 @@ int ASCIIToDigital(int character);
 /// Appends the CRC of the frame, low byte first. The frame is at most 65,533 bytes long.
 void appendCRC(QByteArray &frame);
 
+/// Appends the low byte of the frame's CalSUM. The frame is at most 65,534 bytes long.
+void appendSum(QByteArray &frame);
+
 enum ReplyCheck { REPLY_INVALID = 0, REPLY_TO_READ = 1, REPLY_TO_WRITE = 2 };
 
-/// Judges the first `length` bytes of a reply against the frame at the head of pendingList, which
-/// must not be empty: its CRC, and whether it answers a read or a write. Communication thread.
+/// Judges the first `length` bytes of a reply to the frame at the head of pendingList, which must not
+/// be empty: is the CRC right, and does it answer a read or a write? Communication thread.
 int CheckGetData(const QByteArray *reply, int length);

@@ -1,12 +1,6 @@
 #include "bytes/wire_order.h"
 
-namespace
-{
-
-const int BYTE_BITS = 8;
-const int WORD_BITS = 16;
-
-} // namespace
+#include "driver/units.h"
 
 void putByte(QByteArray &frame, int value)
 {
@@ -21,7 +15,7 @@ void putWord(QByteArray &frame, int value)
 
 void putLong(QByteArray &frame, int value)
 {
-    putWord(frame, value >> WORD_BITS);
+    putWord(frame, value >> REGISTER_BITS);
     putWord(frame, value);
 }
 
@@ -34,7 +28,7 @@ int wordAt(const QByteArray &frame, int index)
 
 void swapRegisters(const char *from, int registers, char *to)
 {
-    for (int i = 0; i < 2 * registers; i += 2) {
+    for (int i = 0; i < REGISTER_BYTES * registers; i += REGISTER_BYTES) {
         to[i] = from[i + 1];
         to[i + 1] = from[i];
     }
@@ -42,7 +36,7 @@ void swapRegisters(const char *from, int registers, char *to)
 
 QByteArray swappedRegisters(const QByteArray &bytes, int registers)
 {
-    QByteArray swapped(2 * registers, '\0');
+    QByteArray swapped(REGISTER_BYTES * registers, '\0');
     const QByteArray whole = bytes.leftJustified(swapped.size(), '\0', true);
     swapRegisters(whole.constData(), registers, swapped.data());
     return swapped;

@@ -9,12 +9,6 @@ void *LB = nullptr;
 void *LW = nullptr;
 void *RWI = nullptr;
 
-void startRequest(int frames)
-{
-    PLC_driver.comInfo->frameTotal = frames;
-    PLC_driver.comInfo->frameDone = 0;
-}
-
 void SetComInfo(ComInfo *info)
 {
     if (info) {

@@ -1,6 +1,7 @@
 // The driver object: the lists, tables and flags that every part of the library works on.
 #pragma once
 
+#include "driver/pending_merge.h"
 #include "driver/records.h"
 
 #include <QMutex>
@@ -9,15 +10,6 @@
 
 /// The list that the request on the line came from.
 enum RequestSource { SOURCE_CYCLIC = 0, SOURCE_WRITE = 1, SOURCE_ONCE = 2, SOURCE_NONE = 100 };
-
-/// What the reply to the read half of a read-modify-write needs to complete the write half. Kept
-/// apart from writeList, which other threads append to while the reply is being saved.
-struct PendingMerge {
-    bool active = false;
-    int varKind = 0;
-    int addr = 0;            // linear offset
-    unsigned char value = 0; // first value byte of the write
-};
 
 /// Lock order: listMutex first, then one of the others. Nothing takes listMutex while it holds
 /// another. "Communication thread" is the one that calls ComCommunication and DataCom.
@@ -73,6 +65,3 @@ extern VELKO_API void *LB;
 extern VELKO_API void *LW;
 extern VELKO_API void *RWI;
 }
-
-/// Marks the start of a request of `frames` frames in the host's record.
-void startRequest(int frames);

@@ -22,10 +22,6 @@ const int RMW_READ_HALF = -1;
 /// RW_VAR::ownerTag of cyclic reads.
 const int OWNER_TAG_CYCLIC = -1;
 
-/// Protocol::replyLen of a request whose reply may have any length, and of one that gets no reply.
-const int REPLY_LEN_ANY = -1;
-const int REPLY_LEN_NONE = 0;
-
 /// Register bytes of one area of one station: byte i of the image is byte i of the area.
 typedef QByteArray AreaImage;
 

@@ -21,11 +21,6 @@ void countUp(int &counter)
         ++counter;
 }
 
-bool isGood(int result)
-{
-    return result == RESULT_GOOD || result == RESULT_REMOTE_NOT_STORED;
-}
-
 bool haveSameOwner(const RW_VAR &left, const RW_VAR &right)
 {
     return left.ownerId == right.ownerId && left.ownerTag == right.ownerTag;
@@ -172,8 +167,8 @@ void handleReply(const QByteArray &reply, int length)
     const int result =
         local ? DealDataOfLocalArea(&reply, length) : DealDataOfRemoteArea(&reply, length);
     const QMutexLocker lock(&PLC_driver.listMutex);
-    const int verdict =
-        isGood(result) ? afterGoodExchange(result, local) : afterFailedExchange(result, local);
+    const int verdict = velko_result_is_good(result) ? afterGoodExchange(result, local)
+                                                     : afterFailedExchange(result, local);
     PLC_driver.retVar.retCode = verdict; // last: the request's own retCode has been copied in
 }
 

@@ -1,6 +1,7 @@
 #include "exchange/reply_judgement.h"
 
 #include "bytes/Func_Check.h"
+#include "bytes/frame_layout.h"
 #include "driver/modbus_rtu_master.h"
 #include "exchange/result_codes.h"
 #include "store/Func_DealData.h"
@@ -26,9 +27,8 @@ void save(const QByteArray *reply)
     SaveToLocalDataErea(reply);
 }
 
-Outcome judgeLocal(const QByteArray *reply, int length)
+ReplyOutcome judgeLocal(const Protocol &request, const QByteArray *reply, int length)
 {
-    const Protocol &request = PLC_driver.pendingList.first();
     if (isMissing(request, length))
         return OUTCOME_LOCAL_NO_REPLY;
     if (isWrongLength(request, length))
@@ -44,9 +44,8 @@ Outcome judgeLocal(const QByteArray *reply, int length)
     }
 }
 
-Outcome judgeRemote(const QByteArray *reply, int length)
+ReplyOutcome judgeRemote(const Protocol &request, const QByteArray *reply, int length)
 {
-    const Protocol &request = PLC_driver.pendingList.first();
     if (isMissing(request, length))
         return OUTCOME_REMOTE_NO_REPLY;
     if (isWrongLength(request, length))
@@ -63,10 +62,10 @@ Outcome judgeRemote(const QByteArray *reply, int length)
 
 int DealDataOfLocalArea(const QByteArray *reply, int length)
 {
-    return GetDriverReturnValue(judgeLocal(reply, length));
+    return GetDriverReturnValue(judgeLocal(PLC_driver.pendingList.first(), reply, length));
 }
 
 int DealDataOfRemoteArea(const QByteArray *reply, int length)
 {
-    return GetDriverReturnValue(judgeRemote(reply, length));
+    return GetDriverReturnValue(judgeRemote(PLC_driver.pendingList.first(), reply, length));
 }

@@ -1,7 +1,7 @@
 // Outcomes of judged replies and the result codes that the host sees for them.
 #pragma once
 
-enum Outcome {
+enum ReplyOutcome {
     OUTCOME_GOOD = 0,
     OUTCOME_LOCAL_BAD_REPLY = 1,
     OUTCOME_LOCAL_NO_REPLY = 2,

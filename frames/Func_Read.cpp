@@ -1,45 +1,33 @@
 #include "frames/Func_Read.h"
 
 #include "bytes/Func_Check.h"
+#include "bytes/frame_layout.h"
 #include "bytes/wire_order.h"
-#include "driver/modbus_rtu_master.h"
 #include "driver/variable_kinds.h"
+#include "frames/pending_request.h"
 
-namespace
-{
-
-const int READ_HOLDING_REGISTERS = 0x03;
-const int READ_INPUT_REGISTERS = 0x04;
-
-// Station, function, first register, number of registers, CRC.
-const int READ_REQUEST_BYTES = 8;
-
-} // namespace
+#include <utility>
 
 Protocol ReadAnalog(const RW_VAR &record)
 {
     const int registers = record.count & 0xFFFF;
-    const int firstRegister = (record.addr & 0xFFFF) + getPlcAdd(record.varKind);
+    const int function =
+        record.varKind == AREA_INPUT ? READ_INPUT_REGISTERS : READ_HOLDING_REGISTERS;
 
-    Protocol request;
-    request.frame.reserve(READ_REQUEST_BYTES);
-    putByte(request.frame, record.station);
-    putByte(request.frame,
-            record.varKind == AREA_INPUT ? READ_INPUT_REGISTERS : READ_HOLDING_REGISTERS);
-    putWord(request.frame, firstRegister);
-    putWord(request.frame, registers);
-    appendCRC(request.frame);
+    QByteArray frame;
+    frame.reserve(READ_REQUEST_BYTES);
+    putByte(frame, record.station);
+    putByte(frame, function);
+    putWord(frame, (record.addr & 0xFFFF) + getPlcAdd(record.varKind));
+    putWord(frame, registers);
+    appendCRC(frame);
 
-    request.frameLen = request.frame.size();
-    request.replyLen = READ_HEADER_BYTES + 2 * registers + CHECK_BYTES;
-    request.dataOffset = READ_HEADER_BYTES;
-    request.dataLen = 2 * registers;
-    request.var = record;
-    return request;
+    const int dataLen = REGISTER_BYTES * registers;
+    return requestOf(std::move(frame), record, READ_REPLY_HEADER_BYTES + dataLen + CRC_BYTES,
+                     READ_REPLY_HEADER_BYTES, dataLen);
 }
 
 void ReadRegister(RW_VAR *record)
 {
-    PLC_driver.pendingList.append(ReadAnalog(*record));
-    startRequest(1);
+    queueRequest(ReadAnalog(*record));
 }

@@ -1,25 +1,18 @@
 #include "frames/Func_Remote.h"
 
 #include "bytes/Func_Check.h"
+#include "bytes/frame_layout.h"
 #include "bytes/wire_order.h"
-#include "driver/modbus_rtu_master.h"
-#include "frames/Func_Read.h"
-#include "frames/Func_Write.h"
+#include "frames/pending_request.h"
 #include "store/Func_GetOrSetData.h"
 
 namespace
 {
 
-const int LENGTH_OFFSET = 0;
-// Length 1, ownerId 1, direction 1, area 1, station 1, kind 2, address 4, count 2, mark 4,
-// argument 4.
-const int REMOTE_HEADER_BYTES = 21;
-const int SUM_BYTES = 1;
-
 QByteArray remoteFrame(const RW_VAR &record, const QByteArray &value)
 {
     QByteArray frame;
-    putByte(frame, 0); // the length, once it is known
+    putByte(frame, REMOTE_HEADER_BYTES + value.size() + REMOTE_SUM_BYTES);
     putByte(frame, record.ownerId);
     putByte(frame, record.rwFlag);
     putByte(frame, record.areaNo);
@@ -30,47 +23,31 @@ QByteArray remoteFrame(const RW_VAR &record, const QByteArray &value)
     putLong(frame, record.rmwMark);
     putLong(frame, record.remoteArg);
     frame.append(value);
-    frame[LENGTH_OFFSET] = static_cast<char>((frame.size() + SUM_BYTES) & 0xFF);
-    putByte(frame, CalSUM(reinterpret_cast<const unsigned char *>(frame.constData()),
-                          static_cast<unsigned short>(frame.size())));
+    appendSum(frame);
     return frame;
 }
 
-void queueRemote(const RW_VAR &record, const QByteArray &value, int replyLen, int dataOffset,
-                 int dataLen)
+// For any count that a host can put in: it wraps instead of overflowing.
+int registerBytes(int count, int overhead)
 {
-    Protocol request;
-    request.frame = remoteFrame(record, value);
-    request.frameLen = request.frame.size();
-    request.replyLen = replyLen;
-    request.dataOffset = dataOffset;
-    request.dataLen = dataLen;
-    request.var = record;
-    PLC_driver.pendingList.append(request);
-    startRequest(1);
-}
-
-// Two bytes per register, for any count that a host can put in: it wraps instead of overflowing.
-int registerBytes(int count)
-{
-    return static_cast<int>(2U * static_cast<unsigned int>(count));
+    const unsigned int bytes =
+        static_cast<unsigned int>(REGISTER_BYTES) * static_cast<unsigned int>(count);
+    return static_cast<int>(bytes + static_cast<unsigned int>(overhead));
 }
 
 } // namespace
 
 void Remote_ReadVar(RW_VAR *record)
 {
-    const int dataLen = registerBytes(record->count);
-    const unsigned int replyLen =
-        static_cast<unsigned int>(dataLen) + READ_HEADER_BYTES + CHECK_BYTES;
-    queueRemote(*record, QByteArray(), static_cast<int>(replyLen), READ_HEADER_BYTES, dataLen);
+    const int replyLen = registerBytes(record->count, READ_REPLY_HEADER_BYTES + CRC_BYTES);
+    queueRequest(requestOf(remoteFrame(*record, QByteArray()), *record, replyLen,
+                           READ_REPLY_HEADER_BYTES, registerBytes(record->count, 0)));
 }
 
 void Remote_WriteVar(RW_VAR *record)
 {
-    const int room = LIMIT_FRAME_BYTES - REMOTE_HEADER_BYTES - SUM_BYTES;
-    if (record->value.size() <= room)
-        queueRemote(*record, record->value,
-                    record->station == 0 ? REPLY_LEN_NONE : WRITE_REPLY_BYTES, 0, 0);
-    ShowDeviceWrite(record);
+    const int replyLen = record->station == BROADCAST_STATION ? REPLY_LEN_NONE : WRITE_REPLY_BYTES;
+    if (record->value.size() <= REMOTE_MOST_VALUE_BYTES)
+        queueRequest(requestOf(remoteFrame(*record, record->value), *record, replyLen));
+    WriteDataToLocal(record);
 }

@@ -1,19 +1,18 @@
 #include "frames/Func_Write.h"
 
 #include "bytes/Func_Check.h"
+#include "bytes/frame_layout.h"
 #include "bytes/wire_order.h"
 #include "driver/modbus_rtu_master.h"
 #include "driver/variable_kinds.h"
 #include "frames/Func_Read.h"
+#include "frames/pending_request.h"
 #include "store/Func_GetOrSetData.h"
+
+#include <utility>
 
 namespace
 {
-
-const int WRITE_MULTIPLE_REGISTERS = 0x10;
-const int REGISTER_BYTES = 2;
-const int REGISTER_BITS = 16;
-const int BYTE_BITS = 8;
 
 int registersOf(const RW_VAR &record)
 {
@@ -23,16 +22,13 @@ int registersOf(const RW_VAR &record)
 // A count that only fits once it has wrapped would write less than was asked and be reported done.
 bool fitsOneFrame(const RW_VAR &record)
 {
-    const int most = (LIMIT_FRAME_BYTES - WRITE_HEADER_BYTES - CHECK_BYTES) / REGISTER_BYTES;
-    return record.count <= most && registersOf(record) <= most;
+    return record.count <= WRITE_MOST_REGISTERS && registersOf(record) <= WRITE_MOST_REGISTERS;
 }
 
 void queueDirectWrite(const RW_VAR &record)
 {
-    if (!fitsOneFrame(record))
-        return;
-    PLC_driver.pendingList.append(WriteBool(record));
-    startRequest(1);
+    if (fitsOneFrame(record))
+        queueRequest(WriteBool(record));
 }
 
 // The register is read first; its reply completes the write frame queued behind the read.
@@ -43,20 +39,14 @@ void queueReadModifyWrite(const RW_VAR &record, int registerNumber, int byteOffs
     half.count = 1;
     half.rmwMark = RMW_READ_HALF;
     half.addr = registerNumber;
-    PLC_driver.pendingList.append(ReadAnalog(half));
+    const Protocol read = ReadAnalog(half);
 
     half.rwFlag = REQUEST_WRITE;
     half.rmwMark = 0;
     half.addr = byteOffset;
     half.value = record.value.leftJustified(REGISTER_BYTES, '\0', true);
-    PLC_driver.pendingList.append(WriteBool(half));
-
-    PendingMerge &merge = PLC_driver.pendingMerge;
-    merge.active = true;
-    merge.varKind = record.varKind;
-    merge.addr = record.addr;
-    merge.value = static_cast<unsigned char>(half.value.at(0));
-    startRequest(2);
+    queueRequest(read, WriteBool(half));
+    PLC_driver.pendingMerge = mergeOf(record);
 }
 
 } // namespace
@@ -64,23 +54,19 @@ void queueReadModifyWrite(const RW_VAR &record, int registerNumber, int byteOffs
 Protocol WriteBool(const RW_VAR &record)
 {
     const int registers = registersOf(record);
-    const int firstRegister = record.addr / REGISTER_BYTES + getPlcAdd(record.varKind);
+    const int dataLen = REGISTER_BYTES * registers;
 
-    Protocol request;
-    request.frame.reserve(WRITE_HEADER_BYTES + REGISTER_BYTES * registers + CHECK_BYTES);
-    putByte(request.frame, record.station);
-    putByte(request.frame, WRITE_MULTIPLE_REGISTERS);
-    putWord(request.frame, firstRegister);
-    putWord(request.frame, registers);
-    putByte(request.frame, REGISTER_BYTES * registers);
+    QByteArray frame;
+    frame.reserve(WRITE_HEADER_BYTES + dataLen + CRC_BYTES);
+    putByte(frame, record.station);
+    putByte(frame, WRITE_MULTIPLE_REGISTERS);
+    putWord(frame, record.addr / REGISTER_BYTES + getPlcAdd(record.varKind));
+    putWord(frame, registers);
+    putByte(frame, dataLen);
     // A double word needs no order of its own: its low half is its lower register.
-    request.frame.append(swappedRegisters(record.value, registers));
-    appendCRC(request.frame);
-
-    request.frameLen = request.frame.size();
-    request.replyLen = WRITE_REPLY_BYTES;
-    request.var = record;
-    return request;
+    frame.append(swappedRegisters(record.value, registers));
+    appendCRC(frame);
+    return requestOf(std::move(frame), record, WRITE_REPLY_BYTES);
 }
 
 void WriteRegister(RW_VAR *record)
@@ -104,5 +90,5 @@ void WriteRegister(RW_VAR *record)
         break;
     }
     if (PLC_driver.commFailed == 0)
-        ShowDeviceWrite(record);
+        WriteDataToLocal(record);
 }

@@ -176,6 +176,12 @@ enum RESULT_CODE {
     RESULT_CLASS_SPAN = 12
 };
 
+/// True for a retCode that stands for a good exchange.
+inline bool velko_result_is_good(int retCode)
+{
+    return retCode == RESULT_GOOD || retCode == RESULT_REMOTE_NOT_STORED;
+}
+
 enum LIMIT {
     /// Entries of the write queue, and of the one-shot queue, above which the checked mode drops.
     LIMIT_QUEUE_ENTRIES = 1024,

@@ -1,6 +1,7 @@
 #include "store/Func_GetOrSetData.h"
 
 #include "driver/modbus_rtu_master.h"
+#include "driver/units.h"
 #include "driver/variable_kinds.h"
 #include "lists/address_model.h"
 #include "lists/register_pieces.h"
@@ -8,14 +9,11 @@
 
 #include <QMutexLocker>
 
+#include <cstring>
 #include <limits>
 
 namespace
 {
-
-const int BYTE_BITS = 8;
-const int WORD_BYTES = 2;
-const int DWORD_BYTES = 4;
 
 // Bytes that `length` units take in the image, for every width but the bit.
 qint64 imageBytes(WidthClass width, qint64 length)
@@ -24,9 +22,9 @@ qint64 imageBytes(WidthClass width, qint64 length)
     case WIDTH_BYTE:
         return length;
     case WIDTH_WORD:
-        return WORD_BYTES * length;
+        return REGISTER_BYTES * length;
     case WIDTH_DWORD:
-        return DWORD_BYTES * ((length + 1) / 2);
+        return DWORD_BYTES * ((length + DWORD_REGISTERS - 1) / DWORD_REGISTERS);
     default:
         return 0;
     }
@@ -65,9 +63,14 @@ void readUnits(const AreaImage &image, WidthClass width, int offset, int length,
 
 // --- Writing to the device ---
 
+// Shares no byte with the whole value, which is the host's.
 QByteArray partOf(const QByteArray &value, int start, int length)
 {
-    return value.mid(start, length).leftJustified(length, '\0');
+    QByteArray part(length, '\0');
+    const int given = qMin(length, value.size() - start);
+    if (given > 0)
+        std::memcpy(part.data(), value.constData() + start, static_cast<size_t>(given));
+    return part;
 }
 
 // A piece's linear offset has to fit its record. `last` is that of the last piece, from `offset` on.
@@ -84,7 +87,7 @@ int queuePiece(RW_VAR &record, int addr, int count, const QByteArray &value)
     const int queued = AddListWriteVar(&record, QUEUE_CHECKED);
     // While the line fails the builder leaves the store alone, so it is kept in step here.
     if (PLC_driver.commFailed != 0)
-        ShowDeviceWrite(&record);
+        WriteDataToLocal(&record);
     return queued;
 }
 
@@ -101,14 +104,14 @@ int queueSingles(RW_VAR &record, int offset, int length, const QByteArray &value
 int queueRegisters(RW_VAR &record, int offset, int registers, const QByteArray &value)
 {
     const RegisterPieces pieces(registers, PLC_driver.comInfo->maxRegs);
-    if (pieces.count() < 1 || leavesInt(offset, WORD_BYTES * pieces.start(pieces.count() - 1)))
+    if (pieces.count() < 1 || leavesInt(offset, REGISTER_BYTES * pieces.start(pieces.count() - 1)))
         return 0;
     int queued = 0;
     for (int i = 0; i < pieces.count(); ++i) {
-        const int start = WORD_BYTES * pieces.start(i);
+        const int start = REGISTER_BYTES * pieces.start(i);
         const int count = pieces.size(i);
         queued =
-            queuePiece(record, offset + start, count, partOf(value, start, WORD_BYTES * count));
+            queuePiece(record, offset + start, count, partOf(value, start, REGISTER_BYTES * count));
     }
     return queued;
 }
@@ -146,17 +149,6 @@ void WriteDataToLocal(const RW_VAR *record)
         writeBits(image, record->addr, record->count, record->value);
     else
         writeBytes(image, record->addr, imageBytes(width, record->count), record->value);
-}
-
-void ShowDeviceWrite(const RW_VAR *record)
-{
-    if (widthOf(record->varKind) != WIDTH_DWORD || record->count % 2 == 0) {
-        WriteDataToLocal(record);
-        return;
-    }
-    RW_VAR words = *record;
-    words.varKind = getPlcReg(record->varKind); // an area's code is also its kind of words
-    WriteDataToLocal(&words);
 }
 
 int GetRegisterData(int, int kind, const QString &addrText, int station, QByteArray *output,

@@ -7,7 +7,3 @@
 /// written as 0, bytes outside the image's limits not at all. Any thread; takes storeMutex; the
 /// caller may hold listMutex.
 void WriteDataToLocal(const RW_VAR *record);
-
-/// The same for a write to the device: of a double word that was cut in the middle, the half that the
-/// record carries, and not the register beside it.
-void ShowDeviceWrite(const RW_VAR *record);

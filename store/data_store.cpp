@@ -2,14 +2,12 @@
 
 #include "bytes/wire_order.h"
 #include "driver/modbus_rtu_master.h"
+#include "driver/units.h"
 
 #include <cstring>
 
 namespace
 {
-
-const int BYTE_BITS = 8;
-const int REGISTER_BYTES = 2;
 
 // The part of a run, counted from its beginning, that falls into [0, limit).
 struct Inside {
