@@ -1,12 +1,15 @@
 #include "lists/Func_Initi.h"
 
 #include "driver/modbus_rtu_master.h"
+#include "driver/own_copy.h"
 #include "lists/address_model.h"
 #include "lists/register_pieces.h"
 
 #include <QMutexLocker>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -14,9 +17,38 @@ namespace
 /// Station -> area code -> requests, both in ascending order.
 typedef QMap<int, QMap<int, QList<RW_VAR>>> RequestGroups;
 
-bool startsLower(const RW_VAR &left, const RW_VAR &right)
+/// The order in which the records stand once they are sorted: their places now.
+std::vector<int> sortedPlaces(const QList<RW_VAR> &records)
 {
-    return left.addr < right.addr;
+    std::vector<std::pair<int, int>> keys; // address, then place: equal addresses keep their order
+    keys.reserve(static_cast<size_t>(records.size()));
+    for (int i = 0; i < records.size(); ++i)
+        keys.push_back(std::make_pair(records.at(i).addr, i));
+    std::sort(keys.begin(), keys.end());
+    std::vector<int> places;
+    places.reserve(keys.size());
+    for (size_t i = 0; i < keys.size(); ++i)
+        places.push_back(keys[i].second);
+    return places;
+}
+
+/// Moves each record once: the one at places[i] goes to i. Leaves `places` without use.
+void moveTo(std::vector<int> &places, const QList<RW_VAR>::iterator &records)
+{
+    for (int start = 0; start < static_cast<int>(places.size()); ++start) {
+        if (places[static_cast<size_t>(start)] == start)
+            continue;
+        RW_VAR first = std::move(records[start]);
+        int to = start;
+        for (int from = places[static_cast<size_t>(to)]; from != start;) {
+            records[to] = std::move(records[from]);
+            places[static_cast<size_t>(to)] = to;
+            to = from;
+            from = places[static_cast<size_t>(to)];
+        }
+        records[to] = std::move(first);
+        places[static_cast<size_t>(to)] = to;
+    }
 }
 
 qint64 endOf(const RW_VAR &record)
@@ -59,8 +91,6 @@ RW_VAR cyclicTemplate(const ComInfo &info)
 bool fillFromItem(RW_VAR &record, const VAR_ITEM &item, int station)
 {
     record.station = station;
-    record.addrText = item.addrText;
-    record.varName = item.varName;
     const int offset = StringAddressToInt(item.kind, item.addrText);
     if (offset < 0 || station == 0)
         return false;
@@ -68,6 +98,8 @@ bool fillFromItem(RW_VAR &record, const VAR_ITEM &item, int station)
     record.varKind = range.areaCode;
     record.addr = range.firstRegister;
     record.count = range.count;
+    record.addrText = ownText(item.addrText);
+    record.varName = ownText(item.varName);
     return range.count <= LIMIT_REGISTERS;
 }
 
@@ -88,7 +120,9 @@ RequestGroups groupItems(const QList<VAR_ITEM> &items, const ComInfo &info)
 
 void Bubble_Sort(QList<RW_VAR> *records)
 {
-    std::stable_sort(records->begin(), records->end(), startsLower);
+    // Records are large: numbers are sorted, and each record is moved only once.
+    std::vector<int> places = sortedPlaces(*records);
+    moveTo(places, records->begin());
 }
 
 void addressAdd(RW_VAR &record, int maxRegs, bool keepRest)
@@ -147,7 +181,7 @@ int ReCreatReadVarList(const QList<VAR_ITEM> *items)
 int AddListReadVar(const RW_VAR *request)
 {
     if (request)
-        PLC_driver.readList.append(*request);
+        PLC_driver.readList.append(ownRecord(*request));
     return PLC_driver.readList.size();
 }
 

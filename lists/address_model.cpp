@@ -1,5 +1,6 @@
 #include "lists/address_model.h"
 
+#include "driver/units.h"
 #include "driver/variable_kinds.h"
 #include "lists/decimal_number.h"
 #include "velko_modbus_rtu.h"
@@ -13,10 +14,6 @@ namespace
 
 const int INVALID_ADDRESS = -1;
 
-const qint64 BYTE_BITS = 8;
-const qint64 WORD_BYTES = 2;
-const qint64 DWORD_BYTES = 4;
-
 int withinInt(qint64 offset)
 {
     const bool fits =
@@ -24,23 +21,29 @@ int withinInt(qint64 offset)
     return fits ? static_cast<int>(offset) : INVALID_ADDRESS;
 }
 
+// 64 bits wide: the product may pass the largest int.
+qint64 linear(const QString &text, qint64 perUnit)
+{
+    return decimalNumber(text) * perUnit;
+}
+
 int bitOffset(const QString &text)
 {
     const QStringList parts = text.split(QLatin1Char('.'));
     if (parts.size() != 2)
         return INVALID_ADDRESS;
-    return withinInt(decimalNumber(parts.at(0)) * BYTE_BITS + decimalNumber(parts.at(1)));
+    return withinInt(linear(parts.at(0), BYTE_BITS) + decimalNumber(parts.at(1)));
 }
 
 qint64 registerCount(WidthClass width, int offset, qint64 length)
 {
     switch (width) {
     case WIDTH_BIT:
-        return (offset % 16 + length + 15) / 16;
+        return (offset % REGISTER_BITS + length + REGISTER_BITS - 1) / REGISTER_BITS;
     case WIDTH_BYTE:
-        return (offset % 2 + length + 1) / 2;
+        return (offset % REGISTER_BYTES + length + REGISTER_BYTES - 1) / REGISTER_BYTES;
     case WIDTH_DWORD:
-        return (length + 1) / 2 * 2;
+        return (length + DWORD_REGISTERS - 1) / DWORD_REGISTERS * DWORD_REGISTERS;
     default:
         return length;
     }
@@ -56,9 +59,9 @@ int StringAddressToInt(int kind, const QString &text)
     case WIDTH_BYTE:
         return decimalNumber(text);
     case WIDTH_WORD:
-        return withinInt(decimalNumber(text) * WORD_BYTES);
+        return withinInt(linear(text, REGISTER_BYTES));
     case WIDTH_DWORD:
-        return withinInt(decimalNumber(text) * DWORD_BYTES);
+        return withinInt(linear(text, DWORD_BYTES));
     default:
         return INVALID_ADDRESS;
     }
@@ -75,7 +78,7 @@ RegisterRange ToRegisterRange(int kind, int offset, int length)
     const qint64 count = registerCount(width, offset, length);
     RegisterRange range;
     range.areaCode = getPlcReg(kind);
-    range.firstRegister = width == WIDTH_BIT ? offset >> 4 : offset >> 1;
+    range.firstRegister = width == WIDTH_BIT ? offset / REGISTER_BITS : offset / REGISTER_BYTES;
     range.count = static_cast<int>(qMin<qint64>(count, std::numeric_limits<int>::max()));
     return range;
 }

@@ -1,5 +1,8 @@
 // The write queue and the one-shot read queue: one entry per target, at most LIMIT_QUEUE_ENTRIES.
+#include "lists/request_queues.h"
+
 #include "driver/modbus_rtu_master.h"
+#include "driver/own_copy.h"
 #include "lists/address_model.h"
 #include "lists/register_pieces.h"
 
@@ -75,45 +78,60 @@ bool convertOnceRead(RW_VAR &request, const ComInfo &info)
     return true;
 }
 
-int appendOnceRead(const RW_VAR *request)
+int appendOnceRead(const RW_VAR &own)
 {
     const QMutexLocker lock(&PLC_driver.listMutex);
-    if (request)
-        PLC_driver.onceReadList.append(*request);
+    PLC_driver.onceReadList.append(own);
+    return PLC_driver.onceReadList.size();
+}
+
+int queuedOnceReads()
+{
+    const QMutexLocker lock(&PLC_driver.listMutex);
     return PLC_driver.onceReadList.size();
 }
 
 } // namespace
 
-int AddListWriteVar(const RW_VAR *request, int mode)
+int queueOwnWrite(const RW_VAR &own, int mode)
 {
     const QMutexLocker lock(&PLC_driver.listMutex);
     QList<RW_VAR> &queue = PLC_driver.writeList;
-    if (request && mode == QUEUE_UNCONDITIONALLY)
-        queue.append(*request);
-    else if (request)
-        queueWrite(queue, *request);
+    if (mode == QUEUE_UNCONDITIONALLY)
+        queue.append(own);
+    else
+        queueWrite(queue, own);
     return queue.size();
+}
+
+int AddListWriteVar(const RW_VAR *request, int mode)
+{
+    if (request)
+        return queueOwnWrite(ownRecord(*request), mode);
+    const QMutexLocker lock(&PLC_driver.listMutex);
+    return PLC_driver.writeList.size();
 }
 
 int AddListOnceReadVar(RW_VAR *request, int mode)
 {
     if (mode == QUEUE_UNCONDITIONALLY)
-        return appendOnceRead(request);
+        return request ? appendOnceRead(ownRecord(*request)) : queuedOnceReads();
     const ComInfo *const info = PLC_driver.comInfo;
     if (!info)
         return 0;
     if (!request)
-        return appendOnceRead(nullptr);
+        return queuedOnceReads();
     if (!convertOnceRead(*request, *info))
         return 0;
 
-    const RW_VAR whole = *request;
+    const RW_VAR whole = ownRecord(*request);
     const RegisterPieces pieces(whole.count, info->maxRegs);
     const QMutexLocker lock(&PLC_driver.listMutex);
     for (int i = 0; i < pieces.count(); ++i) {
-        *request = pieceOf(whole, pieces, i);
-        queueOnceRead(PLC_driver.onceReadList, *request);
+        const RW_VAR piece = pieceOf(whole, pieces, i);
+        queueOnceRead(PLC_driver.onceReadList, piece);
+        request->addr = piece.addr;
+        request->count = piece.count;
     }
     return PLC_driver.onceReadList.size();
 }

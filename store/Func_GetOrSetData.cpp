@@ -1,10 +1,12 @@
 #include "store/Func_GetOrSetData.h"
 
 #include "driver/modbus_rtu_master.h"
+#include "driver/own_copy.h"
 #include "driver/units.h"
 #include "driver/variable_kinds.h"
 #include "lists/address_model.h"
 #include "lists/register_pieces.h"
+#include "lists/request_queues.h"
 #include "store/data_store.h"
 
 #include <QMutexLocker>
@@ -84,7 +86,7 @@ int queuePiece(RW_VAR &record, int addr, int count, const QByteArray &value)
     record.addr = addr;
     record.count = count;
     record.value = value;
-    const int queued = AddListWriteVar(&record, QUEUE_CHECKED);
+    const int queued = queueOwnWrite(record, QUEUE_CHECKED);
     // While the line fails the builder leaves the store alone, so it is kept in step here.
     if (PLC_driver.commFailed != 0)
         WriteDataToLocal(&record);
@@ -185,8 +187,8 @@ int SetRegisterData(const QString &varName, int kind, const QString &addrText, i
     record.rwFlag = REQUEST_WRITE;
     record.linkMode = info->remoteMode;
     record.areaNo = info->localArea;
-    record.varName = varName;
-    record.addrText = addrText;
+    record.varName = ownText(varName);
+    record.addrText = ownText(addrText);
     record.varKind = kind;
     record.station = info->perVarStation != 0 ? station : info->defaultStation;
     return info->commMode == COMM_DEVICE ? writeToDevice(record, offset, length, *value)
