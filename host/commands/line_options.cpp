@@ -1,6 +1,7 @@
 #include "host/commands/line_options.h"
 
 #include "host/commands/numbers.h"
+#include "host/core/sizes/limits.h"
 
 #include <cctype>
 
@@ -13,40 +14,40 @@ LineOptions::LineOptions(CLI::App &options)
     m_link.retries = 1; // a script does not want to wait long for a station that is not there
     options.add_option("device", m_device, "serial device")->required();
     options.add_option("-a,--station", m_station, "slave address")
-        ->check(numberFrom(1, 247))
+        ->check(numberFrom(LOWEST_STATION, HIGHEST_STATION))
         ->capture_default_str();
     options.add_option("-b,--baud", line.baudRate, "baud rate")
-        ->check(numberFrom(300, 4000000))
+        ->check(numberFrom(LOWEST_BAUD, HIGHEST_BAUD))
         ->capture_default_str();
     options.add_option("-P,--parity", m_parity, "none, even or odd")
         ->check(CLI::IsMember({"none", "even", "odd"}))
         ->capture_default_str();
     options.add_option("-s,--stop-bits", line.stopBits, "stop bits")
-        ->check(numberFrom(1, 2))
+        ->check(numberFrom(1, HIGHEST_STOP_BITS))
         ->capture_default_str();
     options.add_option("-o,--timeout", m_timeout, "seconds until the first byte of an answer")
-        ->check(secondsFrom(1, 60000))
+        ->check(secondsFrom(1, LONGEST_TIME))
         ->capture_default_str();
     options
         .add_option("--guard", m_guard,
                     "seconds that the line rests after a time-out (default: the time-out)")
-        ->check(secondsFrom(0, 60000));
+        ->check(secondsFrom(0, LONGEST_TIME));
     options
         .add_option("--byte-timeout", line.byteTimeout,
                     "milliseconds between two bytes of an answer")
-        ->check(numberFrom(1, 60000))
+        ->check(numberFrom(1, LONGEST_TIME))
         ->capture_default_str();
     options
         .add_option("--silence", line.silenceFloor,
                     "microseconds of silence before a request at the least; 3.5 characters are "
                     "kept anyway")
-        ->check(numberFrom(0, 1000000))
+        ->check(numberFrom(0, 1000 * LONGEST_SILENCE))
         ->capture_default_str();
     options.add_option("--retries", m_link.retries, "failed tries before a request is given up")
-        ->check(numberFrom(0, 100))
+        ->check(numberFrom(0, HIGHEST_RETRIES))
         ->capture_default_str();
     options.add_option("--max-regs", m_link.maxRegs, "registers per request at the most, even")
-        ->check(numberFrom(2, 122))
+        ->check(numberFrom(LOWEST_MAX_REGS, HIGHEST_MAX_REGS_WRITING))
         ->check(CLI::Validator(
             [](std::string &text) {
                 return (text.back() - '0') % 2 == 0 ? std::string() : "must be even";

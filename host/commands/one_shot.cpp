@@ -3,6 +3,7 @@
 #include "host/commands/exit_status.h"
 #include "host/commands/numbers.h"
 #include "host/core/line/port_error.h"
+#include "host/core/sizes/limits.h"
 
 #include <cstdio>
 
@@ -47,7 +48,7 @@ OneShotOptions::OneShotOptions(CLI::App &options) : m_options(options)
                     "behind it")
         ->capture_default_str();
     options.add_option("-r,--reference", m_reference, "first register, counted from 1")
-        ->check(numberFrom(0, 65536))
+        ->check(numberFrom(0, HIGHEST_REGISTER + 1))
         ->capture_default_str();
     options.add_flag("-0", m_isFromZero, "-r counts from 0, as the line does");
     options.add_flag("-B", m_isBigEndian, "the first register of a 32-bit number is its high half");

@@ -2,6 +2,7 @@
 
 #include "host/commands/exit_status.h"
 #include "host/commands/numbers.h"
+#include "host/core/sizes/limits.h"
 #include "host/views/json_view.h"
 #include "host/views/lines_view.h"
 #include "host/views/live_table.h"
@@ -53,9 +54,9 @@ PollCommand::PollCommand(CLI::App &program)
     m_options.add_option("--set", m_assignments, "NAME=VALUE: a write; as often as wanted")
         ->allow_extra_args(false);
     m_options.add_option("--cycles", m_cycles, "end when each variable was read so often")
-        ->check(numberFrom(1, 1000000));
+        ->check(numberFrom(1, HIGHEST_CYCLES));
     m_options.add_option("--seconds", m_seconds, "end after so many seconds")
-        ->check(secondsFrom(100, 999999999));
+        ->check(secondsFrom(SHORTEST_RUN, LONGEST_RUN));
     CLI::Option *const json = m_options.add_flag("--json", m_isJson, "print JSON lines");
     m_options.add_flag("--lines", m_isLines, "print lines of text, on a terminal as well")
         ->excludes(json);

@@ -3,6 +3,8 @@
 #include "host/commands/exit_status.h"
 #include "host/commands/help_texts.h"
 #include "host/commands/numbers.h"
+#include "host/core/sizes/limits.h"
+#include "host/core/sizes/units.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -18,7 +20,7 @@ ReadCommand::ReadCommand(CLI::App &program)
       m_talk(m_options)
 {
     m_options.add_option("-c,--count", m_count, "number of values from -r on")
-        ->check(numberFrom(1, 1024))
+        ->check(numberFrom(1, HIGHEST_COUNT))
         ->capture_default_str();
     m_options.add_flag("-1", "once: the default, taken for mbpoll's sake");
     m_options.add_option("variables", m_names,
@@ -75,7 +77,8 @@ void ReadCommand::printByReference(const std::string &text, const Variable &vari
     }
     std::istringstream values(text);
     int reference = m_what.reference();
-    for (std::string value; values >> value; reference += valueBits(variable.format) / 16)
+    for (std::string value; values >> value;
+         reference += valueBits(variable.format) / REGISTER_BITS)
         std::printf("[%d]: \t%s\n", reference, value.c_str());
 }
 

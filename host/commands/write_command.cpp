@@ -2,6 +2,7 @@
 
 #include "host/commands/exit_status.h"
 #include "host/commands/help_texts.h"
+#include "host/core/sizes/units.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -22,7 +23,7 @@ void printTarget(const Variable &variable, const std::string &text)
         first == last ? "register " + std::to_string(first)
                       : "registers " + std::to_string(first) + " to " + std::to_string(last);
     const char *const part =
-        unitBits(variable.kind) < 16 ? " (a part of it; the rest is kept)" : "";
+        unitBits(variable.kind) < REGISTER_BITS ? " (a part of it; the rest is kept)" : "";
     std::printf("station %d, %s on the line%s: %s\n", variable.station, registers.c_str(), part,
                 text.c_str());
     std::fflush(stdout);

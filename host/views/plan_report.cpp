@@ -1,6 +1,7 @@
 #include "host/views/plan_report.h"
 
 #include "host/core/line/replies.h"
+#include "host/core/sizes/units.h"
 #include "host/views/text_table.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@ namespace
 {
 
 const int REQUEST_BYTES = 8;
-const int BYTES_PER_REGISTER = 2;
 
 std::vector<bool> wantedRegisters(const RW_VAR &request, const Link &link)
 {
@@ -45,7 +45,7 @@ std::vector<Gap> gapsIn(const std::vector<bool> &wanted, int first)
 std::string hint(const PlannedRequest &request, const Gap &gap, const Link &link)
 {
     const int offset = wireOffset(request.var.varKind);
-    const int bytes = gap.count * BYTES_PER_REGISTER;
+    const int bytes = gap.count * REGISTER_BYTES;
     // What begins within maxRegs of the first register is read along.
     const int behindGap = gap.first + gap.count - request.var.addr;
     const int splitting = (behindGap - 1) / 2 * 2; // even, as a link that writes wants it
@@ -66,7 +66,7 @@ RequestCost costOf(const PlannedRequest &request, const Link &link)
     const std::vector<bool> wanted = wantedRegisters(request.var, link);
     RequestCost cost;
     cost.function = byteAt(request.frame, 1);
-    cost.wireRegister = byteAt(request.frame, 2) << 8 | byteAt(request.frame, 3);
+    cost.wireRegister = byteAt(request.frame, 2) << BYTE_BITS | byteAt(request.frame, 3);
     cost.asked = request.var.count;
     cost.wanted = static_cast<int>(std::count(wanted.begin(), wanted.end(), true));
     cost.bytes = request.frame.size() + request.replyLength;
@@ -95,7 +95,7 @@ std::vector<std::string> planReport(const Link &link, const std::vector<PlannedR
                    thousandths(cost.wireTime.count())});
         total += cost.wireTime + 2 * silenceTime(link.line);
         for (const Gap &gap : cost.gaps)
-            if (wireTime(link.line, gap.count * BYTES_PER_REGISTER) > overheadTime(link.line))
+            if (wireTime(link.line, gap.count * REGISTER_BYTES) > overheadTime(link.line))
                 hints.push_back(hint(request, gap, link));
     }
     std::vector<std::string> lines = table.lines();

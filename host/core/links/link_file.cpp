@@ -1,6 +1,8 @@
 #include "host/core/links/link_file.h"
 
 #include "host/core/links/fields.h"
+#include "host/core/sizes/limits.h"
+#include "host/core/sizes/units.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -13,12 +15,6 @@ namespace velko
 
 namespace
 {
-
-const int HIGHEST_STATION = 247;
-const int LOWEST_MAX_REGS = 2;
-const int HIGHEST_MAX_REGS_WRITING = 122; // function 16 carries 123; a double word is not cut
-const int HIGHEST_MAX_REGS_READING = 125;
-const int HIGHEST_TIME = 60000; // milliseconds
 
 const std::vector<std::string> linkKeys = {
     "name",        "device",          "baud",       "parity",     "stopBits", "timeout",
@@ -47,13 +43,13 @@ LineSettings readLine(const Fields &fields)
 {
     LineSettings line;
     line.devices = fields.requiredTexts("device");
-    line.baudRate = fields.number("baud", 300, 4000000, line.baudRate);
+    line.baudRate = fields.number("baud", LOWEST_BAUD, HIGHEST_BAUD, line.baudRate);
     line.parity = "NEO"[fields.choice("parity", {"none", "even", "odd"}, 1)];
-    line.stopBits = fields.number("stopBits", 1, 2, line.stopBits);
-    line.replyTimeout = fields.number("timeout", 1, HIGHEST_TIME, line.replyTimeout);
-    line.byteTimeout = fields.number("byteTimeout", 1, HIGHEST_TIME, line.byteTimeout);
-    line.guardTime = fields.number("guard", 0, HIGHEST_TIME);
-    line.silenceFloor = fields.microseconds("silence", 1000);
+    line.stopBits = fields.number("stopBits", 1, HIGHEST_STOP_BITS, line.stopBits);
+    line.replyTimeout = fields.number("timeout", 1, LONGEST_TIME, line.replyTimeout);
+    line.byteTimeout = fields.number("byteTimeout", 1, LONGEST_TIME, line.byteTimeout);
+    line.guardTime = fields.number("guard", 0, LONGEST_TIME);
+    line.silenceFloor = fields.microseconds("silence", LONGEST_SILENCE);
     line.rs485 =
         static_cast<Rs485>(fields.choice("rs485", {"off", "rts-on-send", "rts-after-send"}, 0));
     line.echo = fields.flag("echo", false);
@@ -100,10 +96,10 @@ private:
             if (!m_devices.insert(device).second)
                 fields.fail("device",
                             "\"" + device + "\" stands there already; one line is one link");
-        link.retries = fields.number("retries", 0, 100, link.retries);
+        link.retries = fields.number("retries", 0, HIGHEST_RETRIES, link.retries);
         link.ownFailuresOnly = fields.flag("ownFailuresOnly", link.ownFailuresOnly);
-        link.offerAgain = fields.number("offerAgain", 0, 100, link.offerAgain);
-        link.staleAfter = fields.number("staleAfter", 1, 86400000, link.staleAfter);
+        link.offerAgain = fields.number("offerAgain", 0, HIGHEST_OFFER_AGAIN, link.offerAgain);
+        link.staleAfter = fields.number("staleAfter", 1, LONGEST_STALE_AFTER, link.staleAfter);
         link.maxRegs =
             fields.number("maxRegs", LOWEST_MAX_REGS, HIGHEST_MAX_REGS_READING, link.maxRegs);
         for (const toml::node &node : fields.requiredTables("variable"))
@@ -118,9 +114,10 @@ private:
         const Fields fields(m_path, table, "a variable", variableKeys);
         Variable variable;
         variable.name = readName(fields, "variable", m_variableNames);
-        variable.station = fields.number("station", 1, HIGHEST_STATION, variable.station);
+        variable.station =
+            fields.number("station", LOWEST_STATION, HIGHEST_STATION, variable.station);
         variable.address = fields.requiredAddress("address");
-        variable.count = fields.number("count", 1, 1024, variable.count);
+        variable.count = fields.number("count", 1, HIGHEST_COUNT, variable.count);
         const size_t access = fields.choice("access", {"read", "write", "read-write"}, 0);
         variable.access = static_cast<Access>(access);
         located(fields, "kind", [&] { variable.kind = parseKind(fields.requiredText("kind")); });
@@ -170,8 +167,8 @@ private:
                     fields.failAt("variable", i,
                                   "\"" + variable.name + "\" writes what \"" + place->second
                                       + "\" writes already: register "
-                                      + std::to_string(target.firstBit / 16) + " of station "
-                                      + std::to_string(target.station)
+                                      + std::to_string(target.firstBit / REGISTER_BITS)
+                                      + " of station " + std::to_string(target.station)
                                       + "; let one of the two be read only");
             }
         }

@@ -1,5 +1,7 @@
 #include "host/core/variables/formats.h"
 
+#include "host/core/sizes/units.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -26,15 +28,15 @@ struct TypeRow {
 // In the order of Format::Type.
 const std::array<TypeRow, 10> types = {{
     {"bit", 1, 0, 1},
-    {"u8", 8, 0, 255},
-    {"s8", 8, -128, 127},
-    {"u16", 16, 0, 65535},
-    {"s16", 16, -32768, 32767},
-    {"hex", 16, 0, 65535},
-    {"u32", 32, 0, 4294967295LL},
-    {"s32", 32, -2147483648LL, 2147483647LL},
-    {"f32", 32, 0, 0},
-    {"text", 8, 0, 0},
+    {"u8", BYTE_BITS, 0, 255},
+    {"s8", BYTE_BITS, -128, 127},
+    {"u16", REGISTER_BITS, 0, 65535},
+    {"s16", REGISTER_BITS, -32768, 32767},
+    {"hex", REGISTER_BITS, 0, 65535},
+    {"u32", DWORD_BITS, 0, 4294967295LL},
+    {"s32", DWORD_BITS, -2147483648LL, 2147483647LL},
+    {"f32", DWORD_BITS, 0, 0},
+    {"text", BYTE_BITS, 0, 0},
 }};
 
 const double FLOAT_OVERFLOW = 3.4028235677973366e38; // from here on it rounds to infinity
@@ -48,7 +50,12 @@ std::string defaultOrder(Format::Type type)
 {
     if (type == Format::TEXT)
         return "AB";
-    return types.at(static_cast<size_t>(type)).bits == 32 ? "CDAB" : "";
+    return types.at(static_cast<size_t>(type)).bits == DWORD_BITS ? "CDAB" : "";
+}
+
+int bytesPerValue(const Format &format)
+{
+    return (rowOf(format).bits + BYTE_BITS - 1) / BYTE_BITS;
 }
 
 bool isOrder(const std::string &order, Format::Type type)
@@ -77,12 +84,12 @@ uint32_t rawFrom(const QByteArray &bytes, const Format &format, int first)
 {
     uint32_t raw = 0;
     if (format.order.empty()) {
-        for (int i = (rowOf(format).bits + 7) / 8 - 1; i >= 0; --i)
-            raw = raw << 8 | byteOf(bytes, first + i);
+        for (int i = bytesPerValue(format) - 1; i >= 0; --i)
+            raw = raw << BYTE_BITS | byteOf(bytes, first + i);
         return raw;
     }
-    for (int i = 0; i < 4; ++i) {
-        const int shift = 8 * ('D' - format.order.at(static_cast<size_t>(i)));
+    for (int i = 0; i < bytesPerValue(format); ++i) {
+        const int shift = BYTE_BITS * ('D' - format.order.at(static_cast<size_t>(i)));
         raw |= byteOf(bytes, first + storedAt(i)) << shift;
     }
     return raw;
@@ -90,10 +97,11 @@ uint32_t rawFrom(const QByteArray &bytes, const Format &format, int first)
 
 QByteArray bytesOf(uint32_t raw, const Format &format)
 {
-    QByteArray bytes((rowOf(format).bits + 7) / 8, 0);
+    QByteArray bytes(bytesPerValue(format), 0);
     for (int i = 0; i < bytes.size(); ++i) {
         const size_t place = static_cast<size_t>(i);
-        const int shift = format.order.empty() ? 8 * i : 8 * ('D' - format.order.at(place));
+        const int shift =
+            format.order.empty() ? BYTE_BITS * i : BYTE_BITS * ('D' - format.order.at(place));
         bytes[format.order.empty() ? i : storedAt(i)] = static_cast<char>(raw >> shift & 0xFF);
     }
     return bytes;
@@ -220,7 +228,7 @@ QByteArray charactersOf(const std::string &text, const Format &format, int count
         throw std::invalid_argument("\"" + text + "\" is too long: it has "
                                     + std::to_string(characters.size()) + " characters, and "
                                     + std::to_string(count) + " fit");
-    QByteArray bytes(inRegisters ? (count + 1) / 2 * 2 : count, 0);
+    QByteArray bytes(inRegisters ? (count + 1) / REGISTER_BYTES * REGISTER_BYTES : count, 0);
     for (size_t i = 0; i < characters.size(); ++i) {
         const int place = static_cast<int>(i);
         bytes[inRegisters && format.order == "AB" ? storedAt(place) : place] = characters[i];
@@ -274,15 +282,16 @@ int valueBits(const Format &format)
 bool fits(const Format &format, int unitBits)
 {
     if (format.type == Format::TEXT)
-        return unitBits == 8 || unitBits == 16;
-    return rowOf(format).bits == unitBits || (rowOf(format).bits == 32 && unitBits == 16);
+        return unitBits == BYTE_BITS || unitBits == REGISTER_BITS;
+    return rowOf(format).bits == unitBits
+           || (rowOf(format).bits == DWORD_BITS && unitBits == REGISTER_BITS);
 }
 
 std::string textFrom(const QByteArray &bytes, const Format &format, int count, bool inRegisters)
 {
     if (format.type == Format::TEXT)
         return charactersFrom(bytes, format, count, inRegisters);
-    const int size = (rowOf(format).bits + 7) / 8;
+    const int size = bytesPerValue(format);
     std::string text;
     for (int i = 0; i < count; ++i)
         text += (i == 0 ? "" : " ") + numberText(rawFrom(bytes, format, i * size), format);

@@ -1,5 +1,7 @@
 #include "host/core/variables/kinds.h"
 
+#include "host/core/sizes/units.h"
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -38,7 +40,7 @@ int wireOffset(int area)
 
 int unitBits(int kind)
 {
-    static const int bits[] = {1, 8, 16, 32};
+    static const int bits[] = {1, BYTE_BITS, REGISTER_BITS, DWORD_BITS};
     return bits[widthOf(kind)];
 }
 

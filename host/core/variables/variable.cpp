@@ -1,5 +1,8 @@
 #include "host/core/variables/variable.h"
 
+#include "host/core/sizes/limits.h"
+#include "host/core/sizes/units.h"
+
 #include <algorithm>
 #include <sstream>
 #include <stdexcept>
@@ -10,9 +13,6 @@ namespace velko
 
 namespace
 {
-
-const int LAST_REGISTER = 65535;
-const int MAX_COUNT = 1024;
 
 std::vector<std::string> splitAt(const std::string &text, char separator)
 {
@@ -33,7 +33,7 @@ void checkAddress(const Variable &variable)
         throw std::invalid_argument("address \"" + variable.address + "\" of a "
                                     + kindName(variable.kind) + " is not BYTE.BIT");
     for (const std::string &number : numbers)
-        parseNumber(number, "address", 0, 2 * LAST_REGISTER + 1);
+        parseNumber(number, "address", 0, REGISTER_BYTES * (HIGHEST_REGISTER + 1) - 1);
 }
 
 // In units of the kind's own width from the beginning of the area.
@@ -42,7 +42,7 @@ int firstUnit(const Variable &variable)
     if (widthOf(variable.kind) != WIDTH_BIT)
         return std::stoi(variable.address);
     const std::vector<std::string> numbers = splitAt(variable.address, '.');
-    return 8 * std::stoi(numbers.at(0)) + std::stoi(numbers.at(1));
+    return BYTE_BITS * std::stoi(numbers.at(0)) + std::stoi(numbers.at(1));
 }
 
 // The length, with double words counted as such.
@@ -67,10 +67,10 @@ void checkRegisters(const Variable &variable)
 {
     const RegisterSpan span = registersOf(variable);
     const int last = span.last + wireOffset(span.area);
-    if (last > LAST_REGISTER)
+    if (last > HIGHEST_REGISTER)
         throw std::invalid_argument("it ends at register " + std::to_string(last)
                                     + " on the line, and the last one is "
-                                    + std::to_string(LAST_REGISTER));
+                                    + std::to_string(HIGHEST_REGISTER));
 }
 
 bool isInRegisters(const Variable &variable)
@@ -91,9 +91,10 @@ void checkVariable(const Variable &variable)
     if (!fits(variable.format, unitBits(variable.kind)))
         throw std::invalid_argument("format " + nameOf(variable.format) + " does not fit kind \""
                                     + kindName(variable.kind) + "\"");
-    if (variable.count < 1 || variable.count > MAX_COUNT)
+    if (variable.count < 1 || variable.count > HIGHEST_COUNT)
         throw std::invalid_argument("count " + std::to_string(variable.count)
-                                    + " is not a number from 1 to " + std::to_string(MAX_COUNT));
+                                    + " is not a number from 1 to "
+                                    + std::to_string(HIGHEST_COUNT));
     if (variable.isWritten() && !isWritable(variable.kind))
         throw std::invalid_argument("kind \"" + kindName(variable.kind) + "\" cannot be written");
     checkRegisters(variable);
@@ -107,12 +108,13 @@ Format defaultFormat(int kind)
 
 int lengthOf(const Variable &variable)
 {
-    return unitCount(variable) * (widthOf(variable.kind) == WIDTH_DWORD ? 2 : 1);
+    return unitCount(variable) * (widthOf(variable.kind) == WIDTH_DWORD ? DWORD_REGISTERS : 1);
 }
 
 RegisterSpan registersOf(const Variable &variable)
 {
-    return {areaOf(variable.kind), firstBit(variable) / 16, lastBit(variable) / 16};
+    return {areaOf(variable.kind), firstBit(variable) / REGISTER_BITS,
+            lastBit(variable) / REGISTER_BITS};
 }
 
 Variable parseVariable(const std::string &text, int station, Access access)
@@ -128,7 +130,7 @@ Variable parseVariable(const std::string &text, int station, Access access)
         variable.address = parts.at(1);
         variable.format =
             parts.size() > 2 ? parseFormat(parts.at(2)) : defaultFormat(variable.kind);
-        variable.count = parts.size() > 3 ? parseNumber(parts.at(3), "count", 1, MAX_COUNT) : 1;
+        variable.count = parts.size() > 3 ? parseNumber(parts.at(3), "count", 1, HIGHEST_COUNT) : 1;
         variable.access = access;
         checkVariable(variable);
         return variable;
@@ -154,10 +156,10 @@ QByteArray valueOf(const Variable &variable, const std::string &text)
 
 std::vector<WriteTarget> targetsOf(const Variable &variable, int maxRegs)
 {
-    const int first = firstBit(variable) + 16 * wireOffset(areaOf(variable.kind));
+    const int first = firstBit(variable) + REGISTER_BITS * wireOffset(areaOf(variable.kind));
     const int end = first + unitCount(variable) * unitBits(variable.kind);
     const bool isInWords = widthOf(variable.kind) >= WIDTH_WORD;
-    const int step = isInWords ? 16 * maxRegs : unitBits(variable.kind);
+    const int step = isInWords ? REGISTER_BITS * maxRegs : unitBits(variable.kind);
     std::vector<WriteTarget> targets;
     for (int bit = first; bit < end; bit += step)
         targets.push_back({variable.station, bit, std::min(step, end - bit)});

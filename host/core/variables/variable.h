@@ -59,7 +59,7 @@ QByteArray valueOf(const Variable &variable, const std::string &text);
 /// take an older one's place.
 struct WriteTarget {
     int station;
-    int firstBit; ///< 16 x register on the line + bit
+    int firstBit; ///< register on the line x REGISTER_BITS + bit
     int bits;
 
     bool operator<(const WriteTarget &other) const;

@@ -1,0 +1,40 @@
+// Limits of what a user may set, on the command line and in a file alike.
+#pragma once
+
+namespace velko
+{
+
+// --- The line ---
+
+const int LOWEST_BAUD = 300;
+const int HIGHEST_BAUD = 4000000;
+const int HIGHEST_STOP_BITS = 2;
+
+// --- Stations, registers and values ---
+
+const int LOWEST_STATION = 1; // 0 addresses all stations, and none of them answers
+const int HIGHEST_STATION = 247;
+const int HIGHEST_REGISTER = 65535; // on the line
+const int HIGHEST_COUNT = 1024;     // values of a variable, or characters of a text
+
+// --- Requests ---
+
+const int LOWEST_MAX_REGS = 2;
+const int HIGHEST_MAX_REGS_WRITING = 122; // function 16 carries 123; a double word is not cut
+const int HIGHEST_MAX_REGS_READING = 125;
+const int HIGHEST_RETRIES = 100;
+const int HIGHEST_OFFER_AGAIN = 100;
+
+// --- Times, in milliseconds ---
+
+const int LONGEST_TIME = 60000; // of a request: timeouts, guard time
+const int LONGEST_SILENCE = 1000;
+const int LONGEST_STALE_AFTER = 24 * 60 * 60 * 1000;
+const int SHORTEST_RUN = 100;
+const int LONGEST_RUN = 999999999; // 9 digits of milliseconds, more than eleven days
+
+// --- Runs ---
+
+const int HIGHEST_CYCLES = 1000000;
+
+} // namespace velko
