@@ -3,6 +3,7 @@
 #include "host/core/line/crc16.h"
 #include "host/core/line/replies.h"
 #include "host/core/plan/request_planner.h"
+#include "host/core/text/hex.h"
 
 #include <algorithm>
 #include <stdexcept>

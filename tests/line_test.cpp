@@ -4,6 +4,7 @@
 #include "host/core/line/replies.h"
 #include "host/core/line/serial_line.h"
 #include "host/core/loading/driver_copy.h"
+#include "host/core/text/hex.h"
 #include "host/plc/simulated_plc.h"
 #include "tests/script.h"
 

@@ -1,4 +1,5 @@
 // Runs tests/cases/communication.loop. tests/cases/README.md describes their language.
+#include "host/core/text/hex.h"
 #include "tests/loop_under_test.h"
 #include "tests/script.h"
 

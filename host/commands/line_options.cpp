@@ -2,6 +2,7 @@
 
 #include "host/commands/numbers.h"
 #include "host/core/sizes/limits.h"
+#include "host/core/text/numbers.h"
 
 #include <cctype>
 

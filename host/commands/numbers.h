@@ -1,20 +1,17 @@
-// Numbers on the command line, whatever the user's language: Qt sets the locale, and the language's
-// own functions then want a comma in some countries.
+// Options whose values are numbers.
 #pragma once
+
+#include "host/core/text/numbers.h"
 
 #include <CLI/CLI.hpp>
 
 namespace velko
 {
 
-/// Accepts decimal numbers without leading zeros: "010" is not to be taken for octal.
+/// Accepts what parseNumber accepts.
 CLI::Validator numberFrom(int lowest, int highest);
 
-/// Accepts seconds with up to three digits behind a point; the bounds are milliseconds.
+/// Accepts what millisecondsIn accepts; the limits are milliseconds.
 CLI::Validator secondsFrom(int lowest, int highest);
-
-/// Of "5" or "2.5": milliseconds. Throws std::invalid_argument for what is no such number, or more
-/// than 999,999.999 seconds.
-int millisecondsIn(const std::string &seconds);
 
 } // namespace velko

@@ -3,6 +3,7 @@
 #include "host/commands/exit_status.h"
 #include "host/commands/numbers.h"
 #include "host/core/sizes/limits.h"
+#include "host/core/text/numbers.h"
 #include "host/views/json_view.h"
 #include "host/views/lines_view.h"
 #include "host/views/live_table.h"

@@ -1,5 +1,6 @@
 #include "host/views/lines_view.h"
 
+#include "host/core/text/numbers.h"
 #include "host/views/text_table.h"
 
 #include <algorithm>

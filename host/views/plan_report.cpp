@@ -2,6 +2,7 @@
 
 #include "host/core/line/replies.h"
 #include "host/core/sizes/units.h"
+#include "host/core/text/numbers.h"
 #include "host/views/text_table.h"
 
 #include <algorithm>

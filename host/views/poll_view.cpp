@@ -1,6 +1,7 @@
 #include "host/views/poll_view.h"
 
 #include "host/core/line/replies.h"
+#include "host/core/text/numbers.h"
 #include "host/views/text_table.h"
 
 #include <QDateTime>

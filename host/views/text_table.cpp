@@ -49,14 +49,4 @@ std::vector<std::string> wrapped(const std::string &text, size_t width)
     return pieces;
 }
 
-// By hand: printf would write a comma in some countries.
-std::string thousandths(long long number, int digits)
-{
-    const long long unit = digits == 1 ? 100 : 1;
-    const long long rounded = (number + unit / 2) / unit;
-    const long long whole = 1000 / unit;
-    return std::to_string(rounded / whole) + "."
-           + std::to_string(whole + rounded % whole).substr(1);
-}
-
 } // namespace velko

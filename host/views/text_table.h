@@ -34,7 +34,4 @@ std::string leftOf(const std::string &text, size_t width);
 /// In pieces of so many characters at the most.
 std::vector<std::string> wrapped(const std::string &text, size_t width);
 
-/// "12.3" for 12345 with one digit behind the point, "12.345" with three. Not negative.
-std::string thousandths(long long number, int digits = 1);
-
 } // namespace velko

@@ -1,6 +1,6 @@
 #include "host/views/trace_tap.h"
 
-#include "host/core/line/replies.h"
+#include "host/core/text/hex.h"
 
 #include <QDateTime>
 

@@ -63,9 +63,4 @@ std::string exceptionText(int code)
     return "exception " + std::to_string(code) + " (" + (name.empty() ? "unknown" : name) + ")";
 }
 
-std::string hexText(const QByteArray &bytes)
-{
-    return bytes.toHex(' ').toUpper().toStdString();
-}
-
 } // namespace velko

@@ -27,7 +27,4 @@ int exceptionCode(const QByteArray &reply);
 /// "exception 2 (illegal data address)"
 std::string exceptionText(int code);
 
-/// "01 03 02 5A A5 42 9F"
-std::string hexText(const QByteArray &bytes);
-
 } // namespace velko

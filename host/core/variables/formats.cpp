@@ -1,6 +1,7 @@
 #include "host/core/variables/formats.h"
 
 #include "host/core/sizes/units.h"
+#include "host/core/text/numbers.h"
 
 #include <algorithm>
 #include <array>
@@ -164,19 +165,27 @@ std::string rangeText(const Format &format)
     return std::to_string(rowOf(format).lowest) + " to " + std::to_string(rowOf(format).highest);
 }
 
-uint32_t parseWhole(const std::string &text, const Format &format)
+// `digits` are those of `text` without its "0x".
+uint32_t parseHex(const std::string &text, const std::string &digits, const Format &format)
 {
-    const bool isHex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
-    const char *const begin = text.data() + (isHex ? 2 : 0);
-    const char *const end = text.data() + text.size();
+    const char *const end = digits.data() + digits.size();
     long long number = 0;
-    const int base = isHex || format.type == Format::HEX ? 16 : 10;
-    const std::from_chars_result result = std::from_chars(begin, end, number, base);
-    if (result.ec == std::errc::invalid_argument || result.ptr != end || (isHex && *begin == '-'))
+    const std::from_chars_result result = std::from_chars(digits.data(), end, number, 16);
+    if (result.ec == std::errc::invalid_argument || result.ptr != end || digits[0] == '-')
         throw std::invalid_argument("\"" + text + "\" is not a whole number");
     if (result.ec != std::errc() || number < rowOf(format).lowest || number > rowOf(format).highest)
         throw std::invalid_argument("\"" + text + "\" is out of range: " + rangeText(format));
     return static_cast<uint32_t>(number);
+}
+
+uint32_t parseWhole(const std::string &text, const Format &format)
+{
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X'))
+        return parseHex(text, text.substr(2), format);
+    if (format.type == Format::HEX)
+        return parseHex(text, text, format);
+    return static_cast<uint32_t>(
+        parseLongNumber(text, rowOf(format).lowest, rowOf(format).highest));
 }
 
 bool isPrintable(char character)

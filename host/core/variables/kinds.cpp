@@ -1,6 +1,7 @@
 #include "host/core/variables/kinds.h"
 
 #include "host/core/sizes/units.h"
+#include "host/core/text/numbers.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -13,13 +14,6 @@ namespace
 
 const int AREAS = 3;
 const int HOLDING_5000_OFFSET = 5000;
-const int MAX_DIGITS = 9;
-
-bool isDecimal(const std::string &text)
-{
-    return !text.empty() && text.size() <= MAX_DIGITS
-           && text.find_first_not_of("0123456789") == std::string::npos;
-}
 
 } // namespace
 
@@ -53,8 +47,8 @@ std::string kindName(int kind)
 
 int parseKind(const std::string &text)
 {
-    if (isDecimal(text))
-        return parseNumber(text, "kind", 0, KIND_COUNT - 1);
+    if (isDigits(text))
+        return parseNumber(text, 0, KIND_COUNT - 1, "kind");
     std::string name = text;
     std::replace(name.begin(), name.end(), '-', ' ');
     for (int kind = 0; kind < KIND_COUNT; ++kind)
@@ -68,15 +62,6 @@ int parseKind(const std::string &text)
 bool isWritable(int kind)
 {
     return areaOf(kind) != AREA_INPUT;
-}
-
-int parseNumber(const std::string &text, const std::string &what, int lowest, int highest)
-{
-    const int number = isDecimal(text) ? std::stoi(text) : -1;
-    if (number < lowest || number > highest)
-        throw std::invalid_argument(what + " \"" + text + "\" is not a number from "
-                                    + std::to_string(lowest) + " to " + std::to_string(highest));
-    return number;
 }
 
 } // namespace velko

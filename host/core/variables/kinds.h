@@ -30,8 +30,4 @@ int parseKind(const std::string &text);
 /// The input area cannot be written.
 bool isWritable(int kind);
 
-/// Decimal digits only, from `lowest` to `highest`, both within 0 to 999,999,999. `what` begins the
-/// message of the std::invalid_argument that is thrown for anything else.
-int parseNumber(const std::string &text, const std::string &what, int lowest, int highest);
-
 } // namespace velko

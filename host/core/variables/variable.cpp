@@ -2,6 +2,7 @@
 
 #include "host/core/sizes/limits.h"
 #include "host/core/sizes/units.h"
+#include "host/core/text/numbers.h"
 
 #include <algorithm>
 #include <sstream>
@@ -33,7 +34,7 @@ void checkAddress(const Variable &variable)
         throw std::invalid_argument("address \"" + variable.address + "\" of a "
                                     + kindName(variable.kind) + " is not BYTE.BIT");
     for (const std::string &number : numbers)
-        parseNumber(number, "address", 0, REGISTER_BYTES * (HIGHEST_REGISTER + 1) - 1);
+        parseNumber(number, 0, REGISTER_BYTES * (HIGHEST_REGISTER + 1) - 1, "address");
 }
 
 // In units of the kind's own width from the beginning of the area.
@@ -130,7 +131,7 @@ Variable parseVariable(const std::string &text, int station, Access access)
         variable.address = parts.at(1);
         variable.format =
             parts.size() > 2 ? parseFormat(parts.at(2)) : defaultFormat(variable.kind);
-        variable.count = parts.size() > 3 ? parseNumber(parts.at(3), "count", 1, HIGHEST_COUNT) : 1;
+        variable.count = parts.size() > 3 ? parseNumber(parts.at(3), 1, HIGHEST_COUNT, "count") : 1;
         variable.access = access;
         checkVariable(variable);
         return variable;
