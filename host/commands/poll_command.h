@@ -5,6 +5,7 @@
 #include "host/commands/console.h"
 #include "host/commands/talk_options.h"
 #include "host/core/session/poll_session.h"
+#include "host/views/poll_view.h"
 
 namespace velko
 {

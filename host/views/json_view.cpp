@@ -1,5 +1,7 @@
 #include "host/views/json_view.h"
 
+#include "host/views/state_texts.h"
+
 #include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>

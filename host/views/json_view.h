@@ -6,6 +6,7 @@
 #include <QJsonObject>
 
 #include <map>
+#include <string>
 
 namespace velko
 {

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <map>
+#include <string>
 
 namespace velko
 {
@@ -26,14 +27,5 @@ private:
 
     std::map<std::string, Shown> m_shown; // by name
 };
-
-/// The values, under their headings. `width` as in TextTable.
-std::vector<std::string> valueTable(const Snapshot &snapshot, size_t width);
-
-/// For each link its name and its stations.
-std::vector<std::string> linkTables(const Snapshot &snapshot, size_t width);
-
-/// The tables, and what they say in words. Other views end with it as well.
-std::vector<std::string> summaryOf(const Snapshot &snapshot);
 
 } // namespace velko

@@ -1,6 +1,7 @@
 #include "host/views/live_table.h"
 
-#include "host/views/lines_view.h"
+#include "host/views/state_texts.h"
+#include "host/views/summary.h"
 #include "host/views/text_table.h"
 
 #include <sys/ioctl.h>

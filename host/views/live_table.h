@@ -4,6 +4,8 @@
 #include "host/views/poll_view.h"
 
 #include <deque>
+#include <string>
+#include <vector>
 
 namespace velko
 {

@@ -3,7 +3,7 @@
 
 #include "host/core/links/link_file.h"
 #include "host/core/session/link_runner.h"
-#include "host/views/poll_view.h"
+#include "host/core/session/snapshot.h"
 
 namespace velko
 {

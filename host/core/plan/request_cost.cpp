@@ -1,0 +1,82 @@
+#include "host/core/plan/request_cost.h"
+
+#include "host/core/line/replies.h"
+#include "host/core/sizes/units.h"
+
+#include <algorithm>
+
+namespace velko
+{
+
+namespace
+{
+
+const int REQUEST_BYTES = 8;
+
+std::vector<bool> wantedRegisters(const RW_VAR &request, const Link &link)
+{
+    std::vector<bool> wanted(static_cast<size_t>(request.count));
+    for (const Variable &variable : link.variables) {
+        const RegisterSpan span = registersOf(variable);
+        if (!variable.isRead() || variable.station != request.station
+            || span.area != request.varKind)
+            continue;
+        const int last = std::min(span.last - request.addr, request.count - 1);
+        for (int i = std::max(span.first - request.addr, 0); i <= last; ++i)
+            wanted[static_cast<size_t>(i)] = true;
+    }
+    return wanted;
+}
+
+std::vector<Gap> gapsIn(const std::vector<bool> &wanted, int first)
+{
+    std::vector<Gap> gaps;
+    for (size_t i = 0; i < wanted.size(); ++i) {
+        if (wanted[i])
+            continue;
+        if (i == 0 || wanted[i - 1])
+            gaps.push_back({first + static_cast<int>(i), 0});
+        ++gaps.back().count;
+    }
+    return gaps;
+}
+
+} // namespace
+
+RequestCost costOf(const PlannedRequest &request, const Link &link)
+{
+    const std::vector<bool> wanted = wantedRegisters(request.var, link);
+    RequestCost cost;
+    cost.function = byteAt(request.frame, 1);
+    cost.wireRegister = byteAt(request.frame, 2) << BYTE_BITS | byteAt(request.frame, 3);
+    cost.asked = request.var.count;
+    cost.wanted = static_cast<int>(std::count(wanted.begin(), wanted.end(), true));
+    cost.bytes = request.frame.size() + request.replyLength;
+    cost.wireTime = wireTime(link.line, cost.bytes);
+    cost.gaps = gapsIn(wanted, request.var.addr);
+    return cost;
+}
+
+int bytesOf(const Gap &gap)
+{
+    return gap.count * REGISTER_BYTES;
+}
+
+microseconds overheadTime(const LineSettings &line)
+{
+    return wireTime(line, REQUEST_BYTES + READ_OVERHEAD_BYTES) + 2 * silenceTime(line);
+}
+
+bool isWorthSplitting(const Gap &gap, const LineSettings &line)
+{
+    return wireTime(line, bytesOf(gap)) > overheadTime(line);
+}
+
+// The driver merges what begins within maxRegs of the first register.
+int maxRegsToSplit(const RW_VAR &request, const Gap &gap)
+{
+    const int registersBefore = gap.first + gap.count - request.addr;
+    return (registersBefore - 1) / 2 * 2;
+}
+
+} // namespace velko

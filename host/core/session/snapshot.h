@@ -1,0 +1,33 @@
+// The state of all links at one moment.
+#pragma once
+
+#include "host/core/status/link_status.h"
+#include "host/core/variables/variable.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace velko
+{
+
+struct ValueRow {
+    Variable variable;
+    std::string text; ///< "-" while there is no value
+    ValueState state;
+};
+
+struct LinkRow {
+    std::string name;
+    std::string port; ///< the device, or the reason why there is none
+    bool isOpen;
+    std::int64_t cycles;
+    std::vector<StationStatus> stations;
+};
+
+struct Snapshot {
+    std::vector<ValueRow> values;
+    std::vector<LinkRow> links;
+};
+
+} // namespace velko
