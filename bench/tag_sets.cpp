@@ -97,7 +97,7 @@ public:
     std::vector<Variable> take() { return std::move(m_variables); }
 
 private:
-    void add(WIDTH width, const std::string &address, const std::string &format = "", int count = 1)
+    void add(Width width, const std::string &address, const std::string &format = "", int count = 1)
     {
         if (isFull())
             return;

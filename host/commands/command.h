@@ -20,7 +20,7 @@ public:
 
     bool isChosen() const { return m_options.parsed(); }
 
-    /// Called when it was chosen and its options are parsed. Returns an EXIT_STATUS. Throws
+    /// Called when it was chosen and its options are parsed. Returns an ExitStatus. Throws
     /// std::invalid_argument for wrong usage, other exceptions as their types say.
     virtual int run() = 0;
 

@@ -6,7 +6,7 @@
 namespace velko
 {
 
-enum EXIT_STATUS {
+enum ExitStatus {
     EXIT_GOOD = 0,
     EXIT_PROGRAM = 1, ///< the driver's file, the output or something else of the machine
     EXIT_USAGE = 2,

@@ -36,7 +36,7 @@ private:
     bool m_isJson = false;
     bool m_isLines = false;
 
-    int m_status = 0; // EXIT_STATUS of the writes so far
+    int m_status = 0; // ExitStatus of the writes so far
 };
 
 } // namespace velko

@@ -15,7 +15,6 @@ public:
     int run() override;
 
 private:
-    Variable byReference() const;
     int print(const CommunicationLoop &loop, const Variable &variable) const;
     void printByReference(const std::string &text, const Variable &variable) const;
 

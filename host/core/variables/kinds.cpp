@@ -17,9 +17,9 @@ const int HOLDING_5000_OFFSET = 5000;
 
 } // namespace
 
-WIDTH widthOf(int kind)
+Width widthOf(int kind)
 {
-    return static_cast<WIDTH>(kind / AREAS);
+    return static_cast<Width>(kind / AREAS);
 }
 
 int areaOf(int kind)

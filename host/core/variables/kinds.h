@@ -8,9 +8,9 @@
 namespace velko
 {
 
-enum WIDTH { WIDTH_BIT, WIDTH_BYTE, WIDTH_WORD, WIDTH_DWORD };
+enum Width { WIDTH_BIT, WIDTH_BYTE, WIDTH_WORD, WIDTH_DWORD };
 
-WIDTH widthOf(int kind);
+Width widthOf(int kind);
 
 /// AREA_...
 int areaOf(int kind);
