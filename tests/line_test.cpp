@@ -342,9 +342,9 @@ TEST(Line, PortsThatCannotBeOpened)
     } rows[] = {
         {"/dev/none", Rs485::OFF,
          "serial port /dev/none cannot be opened: there is no such device"},
-        {"/dev/null", Rs485::OFF, "it is no serial port"},
-        {nullptr, Rs485::RTS_ON_SEND, "does not switch the RS-485 direction ("},
-        {nullptr, Rs485::RTS_AFTER_SEND, "leave rs485 out"},
+        {"/dev/null", Rs485::OFF, "it is not a serial port"},
+        {nullptr, Rs485::RTS_ON_SEND, "cannot switch the RS-485 direction ("},
+        {nullptr, Rs485::RTS_AFTER_SEND, "leave out rs485"},
     };
     for (const auto &row : rows) {
         LineUnderTest test;

@@ -170,7 +170,7 @@ class PanelhostTest(unittest.TestCase):
             self.assert_ends(result, 0, "[200]: \t4711\n[201]: \t4712\n")
             written = run("write", plc.device, "-a", "3", "-P", "none", "-r", "301", "-t", "4:float", "-B", "--",
                           "-12.5")
-            self.assert_ends(written, 0, "station 3, registers 300 to 301 on the line: -12.5\n")
+            self.assert_ends(written, 0, "station 3, register addresses 300 to 301: -12.5\n")
             theirs = subprocess.run(["mbpoll", "-m", "rtu", "-a", "3", "-P", "none", "-r", "301", "-t", "4:float",
                                      "-B", "-1", "-q", plc.device], capture_output=True, text=True, timeout=LIMIT)
             self.assertIn("[301]: \t-12.5\n", theirs.stdout)
@@ -205,9 +205,9 @@ class PanelhostTest(unittest.TestCase):
         # 8 + 5 + 2 x 61 bytes of 11 bits at 9,600 baud.
         self.assertIn(["1", "3", "10..70", "61", "2", "59", "135", "154.7"], rows)
         self.assertIn(["2", "4", "0..0", "1", "1", "0", "15", "17.2"], rows)
-        self.assertIn("2 requests; a cycle takes 187.9 ms at 9600 baud", result.stdout)
-        self.assertIn("station 1, registers 11 to 69 are read for nothing: 118 bytes, 135.2 ms", result.stdout)
-        self.assertIn("maxRegs = 58 splits it here", result.stdout)
+        self.assertIn("2 requests; cycle time 187.9 ms at 9600 baud", result.stdout)
+        self.assertIn("station 1, gap registers 11 to 69: 118 bytes, 135.2 ms", result.stdout)
+        self.assertIn("maxRegs = 58 to split the request here", result.stdout)
         split = self.file(content.replace("baud", "maxRegs = 58\nbaud"))
         self.assert_ends(run("plan", split), 0, "3 requests")
 
@@ -229,8 +229,8 @@ class PanelhostTest(unittest.TestCase):
                 poll.wait(event="value", name="c", value=5, state="good")
                 self.file("x")
                 poll.process.send_signal(signal.SIGHUP)
-                wait_for(lambda: "not taken over" in poll.seen[-1].get("text", "")
-                         or any("not taken over" in item.get("text", "") for item in poll.seen), "the refusal")
+                wait_for(lambda: "not applied" in poll.seen[-1].get("text", "")
+                         or any("not applied" in item.get("text", "") for item in poll.seen), "the refusal")
                 poll.write("b=7")
                 poll.wait(event="write", name="b", value="7", state="done")
                 poll.write("nothing")
@@ -244,7 +244,7 @@ class PanelhostTest(unittest.TestCase):
                              + second.replace('"l"', '"m"'))
             result = run("poll", path, "--cycles", "3", "--set", "a=1", "--set", "none=1")
             self.assert_ends(result, 6, "a = 41359  (good)", "b = 38536  (good)", "2 of 2 values are good.",
-                             "Link l, station 1 answered", "Link m, station 2 answered", "a = 1: refused: it is read only", "none=1: refused: there is no variable")
+                             "Link l, station 1 sent", "Link m, station 2 sent", "a = 1: refused: it is read only", "none=1: refused: there is no variable")
 
     def test_capture_and_trace(self):
         capture = os.path.join(self.folder.name, "x.pcap")

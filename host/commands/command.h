@@ -9,7 +9,7 @@ namespace velko
 class Command
 {
 public:
-    /// `program` is the whole program's and outlives the command.
+    /// `program` outlives the command.
     Command(CLI::App &program, const std::string &name, const std::string &help)
         : m_options(*program.add_subcommand(name, help))
     {
@@ -20,8 +20,8 @@ public:
 
     bool isChosen() const { return m_options.parsed(); }
 
-    /// Called when it was chosen and its options are parsed. Returns an ExitStatus. Throws
-    /// std::invalid_argument for wrong usage, other exceptions as their types say.
+    /// Called after the options are parsed, if the command was chosen. Returns an ExitStatus.
+    /// Throws std::invalid_argument for wrong usage; other exceptions as their types say.
     virtual int run() = 0;
 
 protected:

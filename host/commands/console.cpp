@@ -32,7 +32,7 @@ std::string trimmed(const std::string &text)
 
 } // namespace
 
-// Without a standard input the next file that is opened gets its number.
+// If standard input is closed, the next file that is opened gets its number.
 Console::Console()
     : m_isInputOpen(::fcntl(STDIN_FILENO, F_GETFD) >= 0),
       m_isTerminal(::isatty(STDIN_FILENO) != 0)
@@ -42,11 +42,10 @@ Console::Console()
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&signals, signal);
     m_signals = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-    // In the background, reading the terminal is to fail rather than to stop the program.
+    // In the background, a read of the terminal must fail, not stop the program.
     sigaddset(&signals, SIGTTIN);
     if (m_signals < 0 || ::pthread_sigmask(SIG_BLOCK, &signals, nullptr) != 0)
-        throw std::runtime_error(std::string("signals cannot be waited for: ")
-                                 + std::strerror(errno));
+        throw std::runtime_error(std::string("cannot wait for signals: ") + std::strerror(errno));
 }
 
 Console::~Console()
@@ -89,7 +88,7 @@ void Console::readLines(Input &input, bool isHungUp)
     const ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
     if (count <= 0) {
         m_isInputOpen = count < 0 && (errno == EINTR || errno == EAGAIN);
-        // In the background a terminal gives an error as well, and is still there.
+        // In the background, a read of the terminal fails as well, and the terminal still exists.
         input.isEnd = input.isEnd || (m_isTerminal && (count == 0 || isHungUp));
         if (m_isInputOpen || m_rest.empty())
             return;
@@ -102,7 +101,7 @@ void Console::readLines(Input &input, bool isHungUp)
             input.lines.push_back(line);
         m_rest.erase(0, end + 1);
     }
-    // Enough to be refused; the rest of such a line need not be kept.
+    // Enough of a line for a message that refuses it.
     m_rest.resize(std::min(m_rest.size(), LONGEST_LINE));
 }
 

@@ -1,4 +1,4 @@
-// What the user does to a running program: signals, and lines on standard input.
+// Input of a running program: signals, and lines on standard input.
 #pragma once
 
 #include <string>
@@ -11,21 +11,21 @@ class Console
 {
 public:
     struct Input {
-        bool isEnd = false;    ///< SIGINT or SIGTERM, or the terminal went
+        bool isEnd = false;    ///< SIGINT or SIGTERM, or the terminal was closed
         bool isReload = false; ///< SIGHUP
         std::vector<std::string> lines;
     };
 
-    /// Takes the three signals over, of this thread and all that are started later. Throws
-    /// std::runtime_error.
+    /// Blocks the three signals on this thread and on all that it starts later, and handles them.
+    /// Throws std::runtime_error.
     Console();
     ~Console();
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
 
-    /// What comes within `milliseconds`; lines without blanks around them, none empty. The end of
-    /// standard input ends nothing, unless that is a terminal. After the first SIGINT or SIGTERM a
-    /// second one ends the program at once.
+    /// Waits at most `milliseconds` for input. Lines are not empty and have no blanks around them.
+    /// The end of standard input counts only if it is a terminal. After the first SIGINT or SIGTERM
+    /// a second one ends the program at once.
     Input wait(int milliseconds);
 
 private:
@@ -35,7 +35,7 @@ private:
     bool m_isInputOpen;
     bool m_isTerminal;
     int m_signals;
-    std::string m_rest; // of a line whose end has not come yet
+    std::string m_rest; // of a line whose end is not read yet
 };
 
 } // namespace velko

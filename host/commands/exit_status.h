@@ -1,4 +1,4 @@
-// What the program's exit status says. Stated in --help and in the tool's page.
+// The exit statuses of the program. --help and the manual list them as well.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -8,18 +8,18 @@ namespace velko
 
 enum ExitStatus {
     EXIT_GOOD = 0,
-    EXIT_PROGRAM = 1, ///< the driver's file, the output or something else of the machine
+    EXIT_PROGRAM = 1, ///< the driver library file, the output or the system failed
     EXIT_USAGE = 2,
     EXIT_FILE = 3,
     EXIT_PORT = 4,
-    EXIT_SILENT = 5, ///< a station did not answer, or none of its answers was whole
-    EXIT_REFUSED = 6 ///< a station answered with an exception, or a value was refused
+    EXIT_SILENT = 5, ///< a station did not respond, or its responses were damaged
+    EXIT_REFUSED = 6 ///< a station sent an exception response, or a value was refused
 };
 
-/// What the program's exit status says of a failure. EXIT_GOOD for GOOD.
+/// Exit status for the result of an exchange.
 int exitStatusOf(Verdict::Kind kind);
 
-/// Of the news of a write.
+/// Exit status for a write event.
 int exitStatusOf(const Event &write);
 
 } // namespace velko

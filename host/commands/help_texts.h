@@ -1,10 +1,14 @@
-// Texts that several sub-commands show.
+// Help texts that several sub-commands share.
 #pragma once
+
+#include <string>
 
 namespace velko
 {
 
-extern const char *const VARIABLES_HELP;
-extern const char *const EXIT_STATUS_HELP;
+/// Describes how variables are written on the command line.
+std::string variablesHelp();
+
+std::string exitStatusHelp();
 
 } // namespace velko

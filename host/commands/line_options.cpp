@@ -12,42 +12,45 @@ namespace velko
 LineOptions::LineOptions(CLI::App &options)
 {
     LineSettings &line = m_link.line;
-    m_link.retries = 1; // a script does not want to wait long for a station that is not there
-    options.add_option("device", m_device, "serial device")->required();
-    options.add_option("-a,--station", m_station, "slave address")
+    m_link.retries = 1; // a script must not wait long for a station that does not exist
+    options.add_option("device", m_device, "serial port, for example /dev/ttyUSB0")->required();
+    options.add_option("-a,--station", m_station, "station address")
         ->check(numberFrom(LOWEST_STATION, HIGHEST_STATION))
         ->capture_default_str();
     options.add_option("-b,--baud", line.baudRate, "baud rate")
         ->check(numberFrom(LOWEST_BAUD, HIGHEST_BAUD))
         ->capture_default_str();
-    options.add_option("-P,--parity", m_parity, "none, even or odd")
+    options.add_option("-P,--parity", m_parity, "parity")
         ->check(CLI::IsMember({"none", "even", "odd"}))
         ->capture_default_str();
     options.add_option("-s,--stop-bits", line.stopBits, "stop bits")
         ->check(numberFrom(1, HIGHEST_STOP_BITS))
         ->capture_default_str();
-    options.add_option("-o,--timeout", m_timeout, "seconds until the first byte of an answer")
+    options.add_option("-o,--timeout", m_timeout, "response timeout in seconds")
+        ->type_name("SECONDS")
         ->check(secondsFrom(1, LONGEST_TIME))
         ->capture_default_str();
     options
-        .add_option("--guard", m_guard,
-                    "seconds that the line rests after a time-out (default: the time-out)")
+        .add_option(
+            "--guard", m_guard,
+            "guard time in seconds: silence after a missing or truncated response (default: "
+            "--timeout)")
+        ->type_name("SECONDS")
         ->check(secondsFrom(0, LONGEST_TIME));
     options
-        .add_option("--byte-timeout", line.byteTimeout,
-                    "milliseconds between two bytes of an answer")
+        .add_option("--byte-timeout", line.byteTimeout, "inter-character timeout in milliseconds")
         ->check(numberFrom(1, LONGEST_TIME))
         ->capture_default_str();
     options
         .add_option("--silence", line.silenceFloor,
-                    "microseconds of silence before a request at the least; 3.5 characters are "
-                    "kept anyway")
+                    "shortest frame gap in microseconds; at least 3.5 characters are always kept")
         ->check(numberFrom(0, 1000 * LONGEST_SILENCE))
         ->capture_default_str();
-    options.add_option("--retries", m_link.retries, "failed tries before a request is given up")
+    options.add_option("--retries", m_link.retries, "retries before a request is given up")
         ->check(numberFrom(0, HIGHEST_RETRIES))
         ->capture_default_str();
-    options.add_option("--max-regs", m_link.maxRegs, "registers per request at the most, even")
+    options
+        .add_option("--max-regs", m_link.maxRegs, "maximum number of registers per request; even")
         ->check(numberFrom(LOWEST_MAX_REGS, HIGHEST_MAX_REGS_WRITING))
         ->check(CLI::Validator(
             [](std::string &text) {
@@ -55,11 +58,12 @@ LineOptions::LineOptions(CLI::App &options)
             },
             "EVEN"))
         ->capture_default_str();
-    CLI::Option *const onSend =
-        options.add_flag("-F", m_isRtsOnSend, "RS-485 by the kernel: RTS on when sending");
-    options.add_flag("-R", m_isRtsAfterSend, "RS-485 by the kernel: RTS on after sending")
+    CLI::Option *const onSend = options.add_flag(
+        "-F", m_isRtsOnSend, "RS-485 direction by the kernel: RTS on while sending");
+    options
+        .add_flag("-R", m_isRtsAfterSend, "RS-485 direction by the kernel: RTS on after sending")
         ->excludes(onSend);
-    options.add_flag("--echo", line.echo, "the adapter returns what is sent: strip it");
+    options.add_flag("--echo", line.echo, "the adapter echoes each request: remove the echo");
 }
 
 Link LineOptions::link() const

@@ -1,5 +1,5 @@
-// How a line is run, for the sub-commands without a file. Letters and meanings are mbpoll's where it
-// has the same option.
+// Line settings for the sub-commands without a file. Options that mbpoll has as well have the same
+// letters and meanings.
 #pragma once
 
 #include "host/core/links/link.h"
@@ -15,7 +15,7 @@ public:
     /// The device is the first positional argument.
     explicit LineOptions(CLI::App &options);
 
-    /// A link with one line, and no variables yet.
+    /// Returns a link without variables.
     Link link() const;
 
     int station() const { return m_station; }

@@ -1,4 +1,4 @@
-// panelhost: runs the driver on serial lines.
+// panelhost: the program that runs the driver on serial lines.
 #include "host/commands/exit_status.h"
 #include "host/commands/help_texts.h"
 #include "host/commands/plan_command.h"
@@ -27,7 +27,7 @@ int runChosen(const std::vector<std::unique_ptr<Command>> &commands)
     return EXIT_USAGE;
 }
 
-// A negative value would be taken for options: "-12" for -1 and -2, or "-0.5" for -0.
+// The parser would read a negative value as options: "-12" as -1 and -2, "-0.5" as -0.
 void checkNegativeNumbers(int argc, char *argv[])
 {
     for (int i = 2; i < argc && std::string(argv[i]) != "--"; ++i) {
@@ -37,7 +37,7 @@ void checkNegativeNumbers(int argc, char *argv[])
         const bool isOption = text == "-0" || (text == "-1" && std::string(argv[1]) == "read");
         if (isNumber && !isOption)
             throw std::invalid_argument(text
-                                        + ": a negative value goes behind --, as in: panelhost "
+                                        + ": put negative values after --, for example: panelhost "
                                           "write DEVICE -r 101 -t 4:s16 -- -12");
     }
 }
@@ -49,19 +49,19 @@ void checkSubcommand(const CLI::App &program, int argc, char *argv[])
                .get_subcommands(
                    [argv](const CLI::App *command) { return command->get_name() == argv[1]; })
                .empty())
-        throw std::invalid_argument(std::string("there is no sub-command \"") + argv[1]
-                                    + "\"\nRun with --help for those that there are.");
+        throw std::invalid_argument(std::string("unknown sub-command \"") + argv[1]
+                                    + "\". Run panelhost --help for the list.");
 }
 
 int parseAndRun(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     CLI::App program(
-        "Reads and writes the variables of PLCs on serial lines, with the Modbus RTU driver "
-        "of operator panels.");
+        "Read and write variables of PLCs on serial lines, with the Modbus RTU driver of operator "
+        "panels");
     program.require_subcommand(1);
     program.set_version_flag("--version", PROJECT_VERSION);
-    program.footer(std::string("Each sub-command has a --help of its own.\n") + EXIT_STATUS_HELP);
+    program.footer("Each sub-command has its own --help.\n" + exitStatusHelp());
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<PollCommand>(program));
     commands.push_back(std::make_unique<PlanCommand>(program));
@@ -76,17 +76,17 @@ int parseAndRun(int argc, char *argv[])
         if (error.get_exit_code() == 0)
             return program.exit(error); // --help
         throw std::invalid_argument(std::string(error.what())
-                                    + "\nRun with --help for the options.");
+                                    + ". Run with --help for the options.");
     }
     return runChosen(commands);
 }
 
-// A full disk or a closed pipe must not pass for success.
+// A full disk or a closed pipe is not a success.
 int checkOutput(int status)
 {
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
         return status;
-    throw std::runtime_error("the output could not be written");
+    throw std::runtime_error("standard output could not be written");
 }
 
 int fail(const std::exception &error, int status)
@@ -100,7 +100,7 @@ int fail(const std::exception &error, int status)
 
 int runProgram(int argc, char *argv[])
 {
-    // A reader of the output that goes away is reported; the port is closed in good order.
+    // If the reader of the output ends, the program reports it and closes the port properly.
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return checkOutput(parseAndRun(argc, argv));

@@ -13,7 +13,7 @@ namespace velko
 namespace
 {
 
-// mbpoll's names of 32-bit numbers, besides our own.
+// Accepts mbpoll's names of 32-bit numbers as well.
 std::string formatNamed(const std::string &name, bool isBigEndian)
 {
     const std::string order = isBigEndian ? "/ABCD" : "/CDAB";
@@ -43,15 +43,17 @@ std::vector<PlannedRequest> planOf(const std::string &library, const Link &link)
 OneShotOptions::OneShotOptions(CLI::App &options) : m_options(options)
 {
     options
-        .add_option("-t,--type", m_type,
-                    "3 input or 4 holding registers, with :hex, :int, :float or a format below "
-                    "behind it")
+        .add_option(
+            "-t,--type", m_type,
+            "3 (input registers) or 4 (holding registers); :hex, :int, :float or a FORMAT from "
+            "below may follow")
         ->capture_default_str();
-    options.add_option("-r,--reference", m_reference, "first register, counted from 1")
+    options
+        .add_option("-r,--reference", m_reference, "number of the first register, counted from 1")
         ->check(numberFrom(0, HIGHEST_REGISTER + 1))
         ->capture_default_str();
-    options.add_flag("-0", m_isFromZero, "-r counts from 0, as the line does");
-    options.add_flag("-B", m_isBigEndian, "the first register of a 32-bit number is its high half");
+    options.add_flag("-0", m_isFromZero, "-r is a register address, counted from 0");
+    options.add_flag("-B", m_isBigEndian, "word order of 32-bit numbers: high word first");
 }
 
 bool OneShotOptions::isByReference() const
@@ -64,13 +66,16 @@ Variable OneShotOptions::byReference(int station, int count, Access access) cons
     const size_t colon = m_type.find(':');
     const std::string table = m_type.substr(0, colon);
     if (table == "0" || table == "1")
-        throw std::invalid_argument("-t " + m_type
-                                    + ": the driver reads coils and discrete inputs through "
-                                      "registers only; name a bit, as in holding-bit:3.5");
+        throw std::invalid_argument(
+            "-t " + m_type
+            + ": the driver reads coils and discrete inputs only "
+              "through registers. Name a bit, for example holding-bit:3.5.");
     if (table != "3" && table != "4")
-        throw std::invalid_argument("-t " + m_type + " does not begin with 3 or 4");
+        throw std::invalid_argument("-t " + m_type + ": the type must begin with 3 or 4");
     if (m_reference == 0 && !m_isFromZero)
-        throw std::invalid_argument("-r 0: references count from 1; -0 lets them count from 0");
+        throw std::invalid_argument(
+            "-r 0: register numbers start at 1. Add -0 for register addresses, "
+            "which start at 0.");
     Variable variable;
     variable.station = station;
     variable.kind = table == "3" ? KIND_INPUT_WORD : KIND_HOLDING_WORD;
@@ -105,7 +110,7 @@ int OneShotLoop::write(const Variable &variable, const std::string &text)
     return exitStatusOf(m_lastWrite);
 }
 
-// Ends by itself: each request is given up after its tries at the latest.
+// Ends in any case: each request is given up after its retries.
 void OneShotLoop::run(bool (OneShotLoop::*isDone)() const)
 {
     while (!(this->*isDone)()) {

@@ -1,4 +1,4 @@
-// Reading and writing once, for scripts: what the two sub-commands share.
+// What `read` and `write` share.
 #pragma once
 
 #include "host/commands/line_options.h"
@@ -8,19 +8,19 @@
 namespace velko
 {
 
-/// What is read or written: variables by their names, or mbpoll's -t, -r and -c.
+/// The options -t, -r, -0 and -B, which describe a variable as mbpoll does.
 class OneShotOptions
 {
 public:
     explicit OneShotOptions(CLI::App &options);
 
-    /// The one that -t, -r and -c describe. Throws std::invalid_argument.
+    /// Returns the variable that the options describe. Throws std::invalid_argument.
     Variable byReference(int station, int count, Access access) const;
 
-    /// One of them was given.
+    /// True if one of -t, -r and -0 was given.
     bool isByReference() const;
 
-    /// As -r counts: the register's number on the line and the first reference's difference.
+    /// The value of -r.
     int reference() const { return m_reference; }
 
 private:
@@ -31,18 +31,18 @@ private:
     bool m_isBigEndian = false;
 };
 
-/// A loop that runs on this thread until what is asked of it is done. Keeps the last write's event.
+/// Runs a communication loop on this thread until its requests have ended.
 class OneShotLoop : public EventSink
 {
 public:
-    /// Each variable is read with requests of its own: what lies between two of them may not be
-    /// there. Throws std::runtime_error.
+    /// Reads each variable with its own requests, because the registers between two variables may
+    /// not exist. Throws std::runtime_error.
     OneShotLoop(const TalkOptions &talk, const Link &link);
 
-    /// Each request is answered or given up. Throws PortError.
+    /// Returns when each request has succeeded or is given up. Throws PortError.
     void readAll();
 
-    /// EXIT_GOOD when the write was carried out; else what went wrong is printed. Throws PortError.
+    /// Returns an ExitStatus, and prints the reason if the write failed. Throws PortError.
     int write(const Variable &variable, const std::string &text);
 
     const CommunicationLoop &loop() const { return m_loop; }

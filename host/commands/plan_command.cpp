@@ -11,16 +11,17 @@ namespace velko
 {
 
 PlanCommand::PlanCommand(CLI::App &program)
-    : Command(
-        program, "plan",
-        "Shows which requests the variables of a file become and what they cost; sends nothing."),
+    : Command(program, "plan",
+              "Show the requests for the variables of a file and their cost, without sending them"),
       m_library(driverFile())
 {
     m_options.add_option("file", m_file, "file of links and variables")->required();
-    m_options.add_option("--library", m_library, "the driver's file")->capture_default_str();
+    m_options.add_option("--library", m_library, "driver library file")
+        ->type_name("FILE")
+        ->capture_default_str();
     m_options.footer(
-        "\nasked: registers in the request; wanted: those that a variable needs; gap: the "
-        "others.\nbytes: request and reply; ms: their time on the wire.\n");
+        "read: registers of the request; needed: registers that a variable needs; gap: the other "
+        "ones.\nbytes: of request and response; ms: their time on the line.\n");
 }
 
 int PlanCommand::run()

@@ -1,4 +1,4 @@
-// Shows which requests a file's variables become. Nothing is sent.
+// Shows the requests for the variables of a file, without sending them.
 #pragma once
 
 #include "host/commands/command.h"

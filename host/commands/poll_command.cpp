@@ -21,12 +21,13 @@ namespace
 
 const int REFRESH = 100; // milliseconds
 
-const char *const FOOTER = R"(
-Ends after --cycles or --seconds, whichever comes first, or at Ctrl-C. While it runs, a line
+const char *const FOOTER =
+    R"(Ends after --cycles or --seconds, whichever comes first, or at Ctrl-C. While it runs, a line
 NAME=VALUE on standard input queues a write, and SIGHUP reads the file again: queued writes and stored
-values stay. What becomes of each write is told: done, failed, superseded by a newer one, refused.)";
+values are kept. The result of each write is reported: done, failed, superseded by a newer write of
+the same variable, or refused.)";
 
-// What the values at the end say.
+// Exit status for the values at the end.
 int statusOf(const Snapshot &snapshot)
 {
     int status = EXIT_GOOD;
@@ -47,19 +48,22 @@ int statusOf(const Snapshot &snapshot)
 } // namespace
 
 PollCommand::PollCommand(CLI::App &program)
-    : Command(program, "poll", "Keeps the variables of a file up to date and shows them."),
+    : Command(program, "poll", "Poll the variables of a file and show them"),
       m_talk(m_options)
 {
     m_options.add_option("file", m_file, "file of links and variables")->required();
-    m_options.add_option("--device", m_device, "serial device instead of the file's, for one link");
-    m_options.add_option("--set", m_assignments, "NAME=VALUE: a write; as often as wanted")
+    m_options.add_option("--device", m_device,
+                         "serial port that replaces the one in the file; for a file with one link");
+    m_options.add_option("--set", m_assignments, "write at the start; repeatable")
+        ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
-    m_options.add_option("--cycles", m_cycles, "end when each variable was read so often")
+    m_options.add_option("--cycles", m_cycles, "end after each variable was read this many times")
         ->check(numberFrom(1, HIGHEST_CYCLES));
-    m_options.add_option("--seconds", m_seconds, "end after so many seconds")
+    m_options.add_option("--seconds", m_seconds, "end after this many seconds")
+        ->type_name("SECONDS")
         ->check(secondsFrom(SHORTEST_RUN, LONGEST_RUN));
     CLI::Option *const json = m_options.add_flag("--json", m_isJson, "print JSON lines");
-    m_options.add_flag("--lines", m_isLines, "print lines of text, on a terminal as well")
+    m_options.add_flag("--lines", m_isLines, "print lines of text, also on a terminal")
         ->excludes(json);
     m_options.footer(FOOTER);
 }
@@ -89,12 +93,12 @@ std::vector<Link> PollCommand::readFile() const
     if (m_device.empty())
         return links;
     if (links.size() != 1)
-        throw std::invalid_argument("--device needs a file with one link");
+        throw std::invalid_argument("--device: the file must have exactly one link");
     links.front().line.devices = {m_device};
     return links;
 }
 
-// Trace lines would tear a table apart.
+// Trace lines would break the table.
 std::unique_ptr<PollView> PollCommand::makeView() const
 {
     if (m_isJson)
@@ -106,7 +110,7 @@ std::unique_ptr<PollView> PollCommand::makeView() const
 
 void PollCommand::loop(PollSession &session, PollView &view)
 {
-    Console console; // before the links' threads, which are not to get its signals
+    Console console; // before the threads of the links, which must not receive its signals
     session.start();
     for (const std::string &assignment : m_assignments)
         write(assignment, session, view);
@@ -130,18 +134,18 @@ void PollCommand::loop(PollSession &session, PollView &view)
 bool PollCommand::isOver(const PollSession &session) const
 {
     if (std::ferror(stdout) != 0)
-        return true; // nobody reads it
+        return true; // the output has no reader any more
     return m_cycles > 0 && session.haveCycled(m_cycles) && session.isIdle();
 }
 
-// A mistake in the new file must not stop what runs.
+// An error in the new file does not stop the links.
 void PollCommand::reload(PollSession &session, PollView &view) const
 {
     try {
         session.reload(readFile());
         view.note("the file was read again");
     } catch (const std::exception &error) {
-        view.note(std::string("the file was not taken over: ") + error.what());
+        view.note(std::string("the file was not applied: ") + error.what());
     }
 }
 

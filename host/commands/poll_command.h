@@ -1,4 +1,4 @@
-// Keeps the variables of a file up to date and shows them.
+// Polls the variables of a file and shows them.
 #pragma once
 
 #include "host/commands/command.h"
@@ -36,7 +36,7 @@ private:
     bool m_isJson = false;
     bool m_isLines = false;
 
-    int m_status = 0; // ExitStatus of the writes so far
+    int m_status = 0; // worst ExitStatus of the writes so far
 };
 
 } // namespace velko

@@ -14,18 +14,18 @@ namespace velko
 {
 
 ReadCommand::ReadCommand(CLI::App &program)
-    : Command(program, "read", "Reads variables once and prints a line for each value."),
+    : Command(program, "read", "Read variables once and print one line per variable"),
       m_line(m_options),
       m_what(m_options),
       m_talk(m_options)
 {
-    m_options.add_option("-c,--count", m_count, "number of values from -r on")
+    m_options.add_option("-c,--count", m_count, "number of values, starting at -r")
         ->check(numberFrom(1, HIGHEST_COUNT))
         ->capture_default_str();
-    m_options.add_flag("-1", "once: the default, taken for mbpoll's sake");
+    m_options.add_flag("-1", "read once: the default, accepted as by mbpoll");
     m_options.add_option("variables", m_names,
-                         "variables, see below; without any, -t, -r and -c say what is read");
-    m_options.footer(std::string(VARIABLES_HELP)
+                         "variables, see below; if there are none: what -t, -r and -c select");
+    m_options.footer(variablesHelp()
                      + "\nExamples:\n"
                        "  panelhost read /dev/ttyUSB0 -a 3 7:100 1:3.5 input-word:0:s16:4\n"
                        "  panelhost read /dev/ttyUSB0 -a 3 -r 101 -t 4:float -B\n");
@@ -34,7 +34,7 @@ ReadCommand::ReadCommand(CLI::App &program)
 int ReadCommand::run()
 {
     if (!m_names.empty() && (m_what.isByReference() || m_options.count("-c") > 0))
-        throw std::invalid_argument("-t, -r, -0 and -c go without variables");
+        throw std::invalid_argument("-t, -r, -0 and -c cannot be combined with variables");
     Link link = m_line.link();
     for (const std::string &name : m_names)
         link.variables.push_back(parseVariable(name, m_line.station(), Access::READ));
@@ -68,7 +68,7 @@ int ReadCommand::print(const CommunicationLoop &loop, const Variable &variable) 
     return EXIT_GOOD;
 }
 
-// As mbpoll prints: the reference of each value's first register.
+// Prints as mbpoll does: the number of each value's first register.
 void ReadCommand::printByReference(const std::string &text, const Variable &variable) const
 {
     if (variable.format.type == Format::TEXT) {

@@ -22,9 +22,11 @@ TapOptions::TapOptions(CLI::App &options)
 {
     options.add_flag("--trace", m_isTraced,
                      "print each frame in hexadecimal on standard error: -> sent, <- received, xx "
-                     "dropped, == what became of it");
-    options.add_option("--pcap", m_captureFile,
-                       "write each frame to this capture file, link type 147, for tshark");
+                     "dropped, == result");
+    options
+        .add_option("--pcap", m_captureFile,
+                    "write each frame to a capture file for tshark, link type 147")
+        ->type_name("FILE");
 }
 
 void TapOptions::begin()
@@ -53,7 +55,9 @@ void TapOptions::finish()
 
 TalkOptions::TalkOptions(CLI::App &options) : TapOptions(options), m_library(driverFile())
 {
-    options.add_option("--library", m_library, "the driver's file")->capture_default_str();
+    options.add_option("--library", m_library, "driver library file")
+        ->type_name("FILE")
+        ->capture_default_str();
 }
 
 } // namespace velko

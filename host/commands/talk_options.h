@@ -1,4 +1,4 @@
-// Options of every sub-command that talks on a line.
+// Options of every sub-command that uses a line.
 #pragma once
 
 #include "host/core/line/capture_tap.h"
@@ -11,8 +11,8 @@
 namespace velko
 {
 
-/// The driver's file as the program finds it: beside itself, one folder up (in a build tree) or, once
-/// installed, in the folder of libraries.
+/// The driver library file: beside the program, one folder up (in a build tree) or, if installed,
+/// in the folder of libraries.
 std::string driverFile();
 
 /// --trace and --pcap.
@@ -26,10 +26,10 @@ public:
     /// Begins the trace and the capture file. Throws std::runtime_error.
     void begin();
 
-    /// What was asked for; valid as long as this, after begin.
+    /// The taps that the options select; valid after begin, as long as this object.
     std::vector<LineTap *> taps() const;
 
-    /// Throws std::runtime_error when the capture file is not whole.
+    /// Throws std::runtime_error if the capture file is not complete.
     void finish();
 
 private:
@@ -39,7 +39,7 @@ private:
     std::unique_ptr<CaptureTap> m_capture;
 };
 
-/// Those, and the driver that does the talking.
+/// Adds --library.
 class TalkOptions : public TapOptions
 {
 public:

@@ -13,37 +13,36 @@ namespace velko
 namespace
 {
 
-// A person sees where it goes before it goes there.
+// Printed before the write, so that a user sees a wrong address in time.
 void printTarget(const Variable &variable, const std::string &text)
 {
     const RegisterSpan span = registersOf(variable);
     const int first = span.first + wireOffset(span.area);
     const int last = span.last + wireOffset(span.area);
-    const std::string registers =
-        first == last ? "register " + std::to_string(first)
-                      : "registers " + std::to_string(first) + " to " + std::to_string(last);
-    const char *const part =
-        unitBits(variable.kind) < REGISTER_BITS ? " (a part of it; the rest is kept)" : "";
-    std::printf("station %d, %s on the line%s: %s\n", variable.station, registers.c_str(), part,
-                text.c_str());
+    const std::string registers = first == last ? "register address " + std::to_string(first)
+                                                : "register addresses " + std::to_string(first)
+                                                      + " to " + std::to_string(last);
+    const char *const part = unitBits(variable.kind) < REGISTER_BITS
+                                 ? " (a part of the register; the rest is kept)"
+                                 : "";
+    std::printf("station %d, %s%s: %s\n", variable.station, registers.c_str(), part, text.c_str());
     std::fflush(stdout);
 }
 
 } // namespace
 
 WriteCommand::WriteCommand(CLI::App &program)
-    : Command(program, "write", "Writes variables once; prints the register before it is written."),
+    : Command(program, "write",
+              "Write variables once; print each register address before it is written"),
       m_line(m_options),
       m_what(m_options),
       m_talk(m_options)
 {
     m_options
-        .add_option(
-            "values", m_values,
-            "VARIABLE=VALUE, see below; or values alone for -t and -r, a negative first one "
-            "after --")
+        .add_option("values", m_values,
+                    "VARIABLE=VALUE, see below; with -t or -r only values, negative ones after --")
         ->required();
-    m_options.footer(std::string(VARIABLES_HELP)
+    m_options.footer(variablesHelp()
                      + "\nExamples:\n"
                        "  panelhost write /dev/ttyUSB0 -a 3 7:100=250 1:3.5=1\n"
                        "  panelhost write /dev/ttyUSB0 -a 3 -r 101 -t 4:float -B -- -12.5\n");
@@ -55,7 +54,7 @@ int WriteCommand::run()
     Link link = m_line.link();
     for (const Write &write : todo)
         link.variables.push_back(write.variable);
-    if (!areValues(todo)) // before anything goes out
+    if (!areValues(todo)) // before the first write is sent
         return EXIT_REFUSED;
     m_talk.begin();
     OneShotLoop once(m_talk, link);
@@ -99,8 +98,8 @@ std::vector<WriteCommand::Write> WriteCommand::writes() const
     for (const std::string &value : m_values) {
         const size_t place = value.find('=');
         if (place == std::string::npos)
-            throw std::invalid_argument("\"" + value
-                                        + "\" is not VARIABLE=VALUE; values alone need -r");
+            throw std::invalid_argument(
+                "\"" + value + "\" is not VARIABLE=VALUE. Add -r for values without a variable.");
         writes.push_back({parseVariable(value.substr(0, place), m_line.station(), Access::WRITE),
                           value.substr(place + 1)});
     }

@@ -1,4 +1,4 @@
-// Writes variables once and tells what became of it.
+// Writes variables once and reports the results.
 #pragma once
 
 #include "host/commands/command.h"
@@ -21,7 +21,7 @@ private:
     };
 
     std::vector<Write> writes() const;
-    /// Prints what the first one that is no value is refused for.
+    /// Prints the reason for the first value that is refused.
     static bool areValues(const std::vector<Write> &todo);
 
     LineOptions m_line;

@@ -1,4 +1,4 @@
-// A JSON object on each line.
+// Shows values and events as JSON objects, one per line.
 #pragma once
 
 #include "host/views/poll_view.h"

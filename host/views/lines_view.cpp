@@ -45,7 +45,7 @@ void LinesView::note(const std::string &text)
 
 void LinesView::finish(const Snapshot &snapshot)
 {
-    show(snapshot); // what became known since the last time
+    show(snapshot); // the changes since the last call
     std::printf("\n");
     for (const std::string &line : summaryOf(snapshot))
         std::printf("%s\n", line.c_str());

@@ -1,4 +1,5 @@
-// A line for each state that changes and, once a second at the most, each value; a summary at the end.
+// Prints a line when the state of a value changes and, at most once a second, when the value
+// changes; a summary at the end.
 #pragma once
 
 #include "host/views/poll_view.h"

@@ -17,16 +17,16 @@ namespace velko
 namespace
 {
 
-// ANSI control sequences, known to every terminal of today.
-const char *const OTHER_SCREEN = "\x1b[?1049h\x1b[2J";
-const char *const FIRST_SCREEN = "\x1b[?1049l";
+// ANSI control sequences.
+const char *const ALTERNATE_SCREEN = "\x1b[?1049h\x1b[2J";
+const char *const MAIN_SCREEN = "\x1b[?1049l";
 const char *const SAVE_CURSOR = "\x1b[s\x1b[?25l";
 const char *const RESTORE_CURSOR = "\x1b[u\x1b[?25h";
 const char *const HOME = "\x1b[H";
 const char *const CLEAR_REST_OF_LINE = "\x1b[K";
 
-const size_t NEWS_SHOWN = 5;
-const size_t NEWS_KEPT = 100;
+const size_t MESSAGES_SHOWN = 5;
+const size_t MESSAGES_KEPT = 100;
 
 struct TerminalSize {
     size_t rows = 24;
@@ -45,29 +45,30 @@ TerminalSize terminalSize()
 
 LiveTable::LiveTable()
 {
-    std::fputs(OTHER_SCREEN, stdout);
+    std::fputs(ALTERNATE_SCREEN, stdout);
 }
 
 LiveTable::~LiveTable()
 {
-    giveTerminalBack();
+    restoreTerminal();
 }
 
-// At once: whoever does not want to wait for the end of an exchange gets the terminal in good order.
+// Restores the terminal before the last exchange ends: a second Ctrl-C may end the program
+// meanwhile.
 void LiveTable::leave()
 {
-    giveTerminalBack();
+    restoreTerminal();
 }
 
-void LiveTable::giveTerminalBack()
+void LiveTable::restoreTerminal()
 {
     if (!m_isShown)
         return;
     m_isShown = false;
-    std::fputs(FIRST_SCREEN, stdout);
+    std::fputs(MAIN_SCREEN, stdout);
     std::fflush(stdout);
     if (::isatty(STDIN_FILENO) != 0)
-        ::tcflush(STDIN_FILENO, TCIFLUSH); // a line that was half typed is not for the shell
+        ::tcflush(STDIN_FILENO, TCIFLUSH); // the shell must not get a line that was half typed
 }
 
 void LiveTable::tell(const Event &event)
@@ -77,31 +78,31 @@ void LiveTable::tell(const Event &event)
 
 void LiveTable::note(const std::string &text)
 {
-    m_news.push_back(timeText() + "  " + text);
-    if (m_news.size() > NEWS_KEPT)
-        m_news.pop_front();
-    m_promptRow = 0; // a line was typed, perhaps: the prompt is drawn anew
+    m_messages.push_back(timeText() + "  " + text);
+    if (m_messages.size() > MESSAGES_KEPT)
+        m_messages.pop_front();
+    m_promptRow = 0; // the user may have typed a line: the prompt is redrawn
 }
 
 void LiveTable::finish(const Snapshot &snapshot)
 {
     leave();
-    for (const std::string &line : m_news)
+    for (const std::string &line : m_messages)
         std::printf("%s\n", line.c_str());
     std::printf("\n");
     for (const std::string &line : summaryOf(snapshot))
         std::printf("%s\n", line.c_str());
 }
 
-// Where the terminal is too low for everything, values are left out first.
+// If the terminal has too few rows, values are left out first.
 std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot, size_t rows,
                                             size_t columns) const
 {
     std::vector<std::string> tail = linkTables(snapshot, columns);
     tail.emplace_back();
-    const size_t skipped = m_news.size() - std::min(m_news.size(), NEWS_SHOWN);
-    for (size_t i = skipped; i < m_news.size(); ++i)
-        for (const std::string &line : wrapped(m_news[i], columns))
+    const size_t skipped = m_messages.size() - std::min(m_messages.size(), MESSAGES_SHOWN);
+    for (size_t i = skipped; i < m_messages.size(); ++i)
+        for (const std::string &line : wrapped(m_messages[i], columns))
             tail.push_back(line);
     std::vector<std::string> lines = valueTable(snapshot, columns);
     const size_t room = rows > tail.size() + 3 ? rows - tail.size() : 3;
@@ -115,7 +116,7 @@ std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot, size_t row
     return lines;
 }
 
-// What the user types stays where it is: the cursor goes back to it after each drawing.
+// The cursor returns to what the user types after each redraw.
 void LiveTable::show(const Snapshot &snapshot)
 {
     const TerminalSize size = terminalSize();

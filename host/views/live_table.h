@@ -1,4 +1,4 @@
-// The values and stations as a table on a terminal, drawn anew in its place.
+// Shows values and stations on a terminal, as a table that is redrawn in place.
 #pragma once
 
 #include "host/views/poll_view.h"
@@ -14,7 +14,7 @@ class LiveTable : public PollView
 {
 public:
     LiveTable();
-    /// Gives the terminal back.
+    /// Restores the terminal.
     ~LiveTable() override;
 
     void show(const Snapshot &snapshot) override;
@@ -24,11 +24,11 @@ public:
     void finish(const Snapshot &snapshot) override;
 
 private:
-    void giveTerminalBack();
+    void restoreTerminal();
     std::vector<std::string> linesOf(const Snapshot &snapshot, size_t rows, size_t columns) const;
 
-    bool m_isShown = true;          // on a screen of its own
-    std::deque<std::string> m_news; // the latest
+    bool m_isShown = true;              // on the alternate screen
+    std::deque<std::string> m_messages; // the latest
     int m_promptRow = 0;
 };
 

@@ -13,31 +13,31 @@ namespace
 std::string hint(const PlannedRequest &request, const Gap &gap, const Link &link)
 {
     const int offset = wireOffset(request.var.varKind);
-    return "Hint: station " + std::to_string(request.var.station) + ", registers "
+    return "Hint: station " + std::to_string(request.var.station) + ", gap registers "
            + std::to_string(gap.first + offset) + " to "
-           + std::to_string(gap.first + gap.count - 1 + offset)
-           + " are read for nothing: " + std::to_string(bytesOf(gap)) + " bytes, "
-           + thousandths(wireTime(link.line, bytesOf(gap)).count())
-           + " ms. A request of its own behind them would cost "
+           + std::to_string(gap.first + gap.count - 1 + offset) + ": "
+           + std::to_string(bytesOf(gap)) + " bytes, "
+           + thousandths(wireTime(link.line, bytesOf(gap)).count()) + " ms. One more request takes "
            + thousandths(overheadTime(link.line).count())
-           + " ms: maxRegs = " + std::to_string(maxRegsToSplit(request.var, gap))
-           + " splits it here, or move the variables together. Then look at the plan again.";
+           + " ms. Set maxRegs = " + std::to_string(maxRegsToSplit(request.var, gap))
+           + " to split the request here, or move the variables together; then check the plan "
+             "again.";
 }
 
 } // namespace
 
 std::vector<std::string> planReport(const Link &link, const std::vector<PlannedRequest> &plan)
 {
-    TextTable table({"station", "function", "registers", "asked", "wanted", "gap", "bytes", "ms"});
+    TextTable table({"station", "function", "registers", "read", "needed", "gap", "bytes", "ms"});
     microseconds total{};
     std::vector<std::string> hints;
     for (const PlannedRequest &request : plan) {
         const RequestCost cost = costOf(request, link);
         table.add({std::to_string(request.var.station), std::to_string(cost.function),
                    std::to_string(cost.wireRegister) + ".."
-                       + std::to_string(cost.wireRegister + cost.asked - 1),
-                   std::to_string(cost.asked), std::to_string(cost.wanted),
-                   std::to_string(cost.asked - cost.wanted), std::to_string(cost.bytes),
+                       + std::to_string(cost.wireRegister + cost.registers - 1),
+                   std::to_string(cost.registers), std::to_string(cost.needed),
+                   std::to_string(cost.registers - cost.needed), std::to_string(cost.bytes),
                    thousandths(cost.wireTime.count())});
         total += cost.wireTime + 2 * silenceTime(link.line);
         for (const Gap &gap : cost.gaps)
@@ -45,9 +45,9 @@ std::vector<std::string> planReport(const Link &link, const std::vector<PlannedR
                 hints.push_back(hint(request, gap, link));
     }
     std::vector<std::string> lines = table.lines();
-    lines.push_back(std::to_string(plan.size()) + " requests; a cycle takes "
+    lines.push_back(std::to_string(plan.size()) + " requests; cycle time "
                     + thousandths(total.count()) + " ms at " + std::to_string(link.line.baudRate)
-                    + " baud, silences included, and the time that the stations need to answer.");
+                    + " baud with frame gaps, plus the response times of the stations");
     lines.insert(lines.end(), hints.begin(), hints.end());
     return lines;
 }

@@ -1,4 +1,4 @@
-// What a cyclic list costs on the line, for people.
+// The cost of a cyclic list as text.
 #pragma once
 
 #include "host/core/plan/request_planner.h"
@@ -9,7 +9,7 @@
 namespace velko
 {
 
-/// A table of the requests, the time of a cycle and hints, as lines.
+/// Returns lines: a table of the requests, the cycle time and hints.
 std::vector<std::string> planReport(const Link &link, const std::vector<PlannedRequest> &plan);
 
 } // namespace velko

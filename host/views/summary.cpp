@@ -13,12 +13,12 @@ namespace velko
 namespace
 {
 
-const size_t WIDEST = 1000; // characters: where nothing cuts a line
+const size_t WIDEST = 1000; // characters: no line is cut
 
 TextTable::Row rowOf(const StationStatus &status)
 {
     const StationCounters &counters = status.counters;
-    TextTable::Row row = {std::to_string(status.station), status.isOn ? "on" : "off"};
+    TextTable::Row row = {std::to_string(status.station), status.isOn ? "online" : "offline"};
     for (const StationCounters::Count count :
          {counters.sent, counters.good, counters.noReply, counters.badCrc, counters.wrongLength,
           counters.retries, counters.givenUp})
@@ -33,7 +33,7 @@ std::vector<std::string> stationTable(const LinkRow &link, size_t width)
     const bool hasCollisions =
         std::any_of(link.stations.begin(), link.stations.end(),
                     [](const StationStatus &status) { return status.counters.collisions > 0; });
-    TextTable::Row headings = {"station", "is",      "sent",     "good", "no reply", "bad CRC",
+    TextTable::Row headings = {"station", "is",      "sent",     "good", "no reply", "CRC",
                                "length",  "retries", "given up", "mean", "worst"};
     if (hasCollisions)
         headings.emplace_back("collisions");
@@ -55,16 +55,15 @@ std::vector<std::string> stationTable(const LinkRow &link, size_t width)
 std::string sentenceOn(const std::string &station, const StationStatus &status)
 {
     const StationCounters &counters = status.counters;
-    std::string text = station + " answered " + std::to_string(counters.good) + " of "
-                       + std::to_string(counters.sent) + " requests well, after "
-                       + thousandths(counters.meanResponse().count()) + " ms on average.";
+    std::string text = station + " sent " + std::to_string(counters.good) + " good responses to "
+                       + std::to_string(counters.sent) + " requests, mean response time "
+                       + thousandths(counters.meanResponse().count()) + " ms.";
     if (status.timesOff == 0)
         return text;
     const auto time = std::chrono::duration_cast<milliseconds>(status.timeOff).count();
-    return text + " It fell silent " + std::to_string(status.timesOff)
-           + (status.timesOff == 1 ? " time" : " times") + " and was left out for "
-           + thousandths(time) + " s"
-           + (status.isOn ? "; it is back." : "; it is still off, and probed now and then.");
+    return text + " It was offline " + std::to_string(status.timesOff)
+           + (status.timesOff == 1 ? " time, " : " times, ") + thousandths(time) + " s in total"
+           + (status.isOn ? ", and is online again." : ", and is still offline.");
 }
 
 std::string sentenceOn(const std::vector<ValueRow> &rows)
@@ -77,7 +76,7 @@ std::string sentenceOn(const std::vector<ValueRow> &rows)
     const auto good = std::count_if(rows.begin(), rows.end(), isGood);
     const auto written = static_cast<std::ptrdiff_t>(rows.size()) - read;
     return std::to_string(good) + " of " + std::to_string(read) + " values are good"
-           + (written > 0 ? "; " + std::to_string(written) + " more are only written." : ".");
+           + (written > 0 ? "; written only: " + std::to_string(written) + "." : ".");
 }
 
 } // namespace
@@ -96,7 +95,7 @@ std::vector<std::string> linkTables(const Snapshot &snapshot, size_t width)
     std::vector<std::string> lines;
     for (const LinkRow &link : snapshot.links) {
         lines.push_back("");
-        lines.push_back("Link " + link.name + (link.isOpen ? " on " : " without its port: ")
+        lines.push_back("Link " + link.name + (link.isOpen ? " on " : ", port disconnected: ")
                         + link.port + ", " + std::to_string(link.cycles) + " cycles");
         const std::vector<std::string> stations = stationTable(link, width);
         lines.insert(lines.end(), stations.begin(), stations.end());

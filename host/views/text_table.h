@@ -14,24 +14,24 @@ public:
 
     explicit TextTable(const Row &headings) : m_rows{headings} {}
 
-    /// As many cells as there are headings.
+    /// `row` has as many cells as there are headings.
     void add(const Row &row) { m_rows.push_back(row); }
 
-    /// Each column as wide as its longest cell; no space at the end of a line. Columns stand closer
-    /// where they would not fit into `width` characters otherwise.
+    /// Each column is as wide as its longest cell; lines have no trailing spaces. Columns move
+    /// closer together if they do not fit into `width` characters.
     std::vector<std::string> lines(size_t width = 1000) const;
 
 private:
     std::vector<Row> m_rows;
 };
 
-/// Characters that a UTF-8 text takes on a terminal, near enough.
+/// Approximate number of columns that a UTF-8 text takes on a terminal.
 size_t widthOf(const std::string &text);
 
-/// Its first characters, the last one "~" where some are missing.
+/// The first `width` characters; the last one is "~" if the text is longer.
 std::string leftOf(const std::string &text, size_t width);
 
-/// In pieces of so many characters at the most.
+/// Splits the text into pieces of at most `width` characters.
 std::vector<std::string> wrapped(const std::string &text, size_t width);
 
 } // namespace velko

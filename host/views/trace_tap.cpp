@@ -21,7 +21,7 @@ void TraceTap::received(const std::string &link, const QByteArray &reply)
 
 void TraceTap::dropped(const std::string &link, const QByteArray &bytes)
 {
-    print(link, "xx", hexText(bytes) + "  (no answer to this request)");
+    print(link, "xx", hexText(bytes) + "  (not a response to this request)");
 }
 
 void TraceTap::judged(const std::string &link, const std::string &verdict)

@@ -1,4 +1,4 @@
-// Frames in hexadecimal, with times, as lines of text.
+// Prints frames in hexadecimal, with times.
 #pragma once
 
 #include "host/core/line/line_tap.h"
@@ -9,12 +9,12 @@
 namespace velko
 {
 
-/// "12:00:01.123456 press -> 01 03 00 64 00 02 85 D4": -> sent, <- received, xx dropped, == what
-/// became of it.
+/// "12:00:01.123456 press -> 01 03 00 64 00 02 85 D4": -> sent, <- received, xx dropped,
+/// == result.
 class TraceTap : public LineTap
 {
 public:
-    /// The stream is the caller's and outlives the tap.
+    /// `stream` outlives the tap.
     explicit TraceTap(std::FILE *stream) : m_stream(stream) {}
 
     void sent(const std::string &link, const QByteArray &frame) override;

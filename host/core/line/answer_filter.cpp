@@ -37,8 +37,8 @@ bool AnswerFilter::isComplete() const
         return false;
     if (isException())
         return true;
-    // A longer frame of this station and function may be a late answer to another request: its end
-    // has to be seen.
+    // A longer frame of this station and function may be a late response to another request: wait
+    // for its end.
     return m_bytes.size() >= m_replyLength
            && (m_bytes.size() >= frameLength(m_bytes) || endsInItsCrc(m_bytes.left(m_replyLength)));
 }
@@ -75,7 +75,7 @@ bool AnswerFilter::isException() const
     return isExceptionTo(m_request, m_bytes.left(EXCEPTION_BYTES));
 }
 
-// An acknowledged write names its registers; of a read only the length tells.
+// The response to a write names its registers; the response to a read has only a length.
 bool AnswerFilter::fitsRequest(int length) const
 {
     const int function16 = 16;
@@ -83,7 +83,7 @@ bool AnswerFilter::fitsRequest(int length) const
            && (byteAt(m_request, 1) != function16 || m_bytes.mid(2, 4) == m_request.mid(2, 4));
 }
 
-// How many bytes at the front are certainly no part of the answer.
+// Number of leading bytes that cannot belong to the response.
 int AnswerFilter::foreignBytes() const
 {
     if (isException())
@@ -95,7 +95,7 @@ int AnswerFilter::foreignBytes() const
         return isFrame && !fitsRequest(length) ? length : 0;
     if (isFrame)
         return length;
-    return m_bytes.size() < length ? 0 : 1; // the rest of a frame may be on its way
+    return m_bytes.size() < length ? 0 : 1; // the rest of a frame may follow
 }
 
 void AnswerFilter::drop(int count)

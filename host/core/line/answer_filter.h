@@ -1,4 +1,4 @@
-// Finds the answer to one request among the bytes that arrive.
+// Finds the response to one request among the received bytes.
 #pragma once
 
 #include <QByteArray>
@@ -6,34 +6,34 @@
 namespace velko
 {
 
-/// Drops what is no part of the answer: frames of other stations and functions, late answers of
-/// another length or, to a write, of other registers, and noise. What the driver would judge a bad
-/// answer (a wrong checksum, a cut frame) is an answer here.
+/// Drops all bytes that do not belong to the response: frames of other stations and functions, late
+/// responses of another length or, after a write, of other registers, and noise. A response that
+/// the driver will reject (wrong CRC, truncated) is a response here.
 class AnswerFilter
 {
 public:
-    /// `replyLength`: bytes of a good answer, 5 or more.
+    /// `replyLength`: bytes of a good response, at least 5.
     AnswerFilter(const QByteArray &request, int replyLength);
 
     void add(const QByteArray &bytes);
 
-    /// No byte came for the time that separates bytes: what looked like the beginning of another
-    /// station's frame is none.
+    /// Called after an inter-character timeout: bytes that looked like the beginning of another
+    /// station's frame are not one.
     void gap();
 
-    /// The answer's first byte is there.
+    /// True if the first byte of the response is received.
     bool hasBegun() const;
 
-    /// There is nothing to wait for any more: a whole answer or an exception reply.
+    /// True for a complete response or exception response: no more bytes are expected.
     bool isComplete() const;
 
-    /// The answer, or what there is of it; empty when it has not begun.
+    /// The response as far as it is received; empty if it has not begun.
     QByteArray answer() const;
 
-    /// What was dropped since the last call.
+    /// Returns the bytes dropped since the last call.
     QByteArray takeDropped();
 
-    /// What came behind the answer, or what there is when it has not begun. The last call.
+    /// Returns the bytes after the response, or all bytes if it has not begun. The last call.
     QByteArray takeRest();
 
 private:

@@ -21,7 +21,7 @@ CaptureTap::CaptureTap(const std::string &path)
       m_file(pcap_dump_open(m_format.get(), path.c_str()), pcap_dump_close)
 {
     if (!m_file)
-        throw std::runtime_error("the capture file cannot be written: "
+        throw std::runtime_error("cannot write the capture file: "
                                  + std::string(pcap_geterr(m_format.get())));
 }
 
@@ -50,7 +50,7 @@ void CaptureTap::finish()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (pcap_dump_flush(m_file.get()) != 0 || std::ferror(pcap_dump_file(m_file.get())) != 0)
-        throw std::runtime_error("the capture file " + m_path + " could not be written to its end");
+        throw std::runtime_error("the capture file " + m_path + " is not complete: writing failed");
 }
 
 void CaptureTap::write(const QByteArray &bytes)

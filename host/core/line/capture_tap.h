@@ -1,4 +1,4 @@
-// The bytes on the line as a capture file for Wireshark and tshark.
+// Writes the bytes on the line to a capture file for Wireshark and tshark.
 #pragma once
 
 #include "host/core/line/line_tap.h"
@@ -11,21 +11,21 @@
 namespace velko
 {
 
-/// Link type 147, the first of those for private use: no type is assigned to Modbus RTU. In tshark:
+/// Link type 147, the first one for private use, because Modbus RTU has none. Options for tshark:
 ///   -o 'uat:user_dlts:"User 0 (DLT=147)","mbrtu","0","","0",""'
 class CaptureTap : public LineTap
 {
 public:
-    /// Begins the file anew. Throws std::runtime_error.
+    /// Overwrites the file. Throws std::runtime_error.
     explicit CaptureTap(const std::string &path);
 
     void sent(const std::string &link, const QByteArray &frame) override;
     void received(const std::string &link, const QByteArray &reply) override;
     void dropped(const std::string &link, const QByteArray &bytes) override;
-    /// What there is goes to the disk.
+    /// Flushes the file.
     void judged(const std::string &link, const std::string &verdict) override;
 
-    /// Throws std::runtime_error when not everything could be written.
+    /// Throws std::runtime_error if the file is not complete.
     void finish();
 
 private:

@@ -1,6 +1,5 @@
-// The checksum of a frame. The driver makes and judges it wherever it judges a reply; the host needs
-// its own for what the driver never looks into: exception replies, other stations' frames and the
-// faults of the simulated PLC.
+// The CRC of a frame. The driver checks the responses that it judges; the host checks exception
+// responses and frames of other stations, and the simulated PLC makes faults with it.
 #pragma once
 
 #include <QByteArray>
@@ -8,10 +7,10 @@
 namespace velko
 {
 
-/// The two bytes as they travel, low byte first.
+/// The two bytes as on the line, low byte first.
 QByteArray crc16(const QByteArray &bytes);
 
-/// True when the last two bytes are the checksum of those before them.
+/// True if the last two bytes are the CRC of the bytes before them.
 bool endsInItsCrc(const QByteArray &frame);
 
 } // namespace velko

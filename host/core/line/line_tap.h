@@ -1,4 +1,4 @@
-// Looks on at a line: the trace and the capture file are taps.
+// Observes a line. The trace and the capture file are taps.
 #pragma once
 
 #include <QByteArray>
@@ -9,21 +9,21 @@
 namespace velko
 {
 
-/// Called on the communication thread at the moment itself. Several lines may share one tap, so an
-/// implementation takes a lock of its own.
+/// Called on the communication thread, immediately. Several lines may share one tap, so an
+/// implementation has its own lock.
 class LineTap
 {
 public:
     virtual ~LineTap() = default;
     virtual void sent(const std::string &link, const QByteArray &frame) = 0;
     virtual void received(const std::string &link, const QByteArray &reply) = 0;
-    /// Bytes that are no part of an answer.
+    /// Bytes that do not belong to a response.
     virtual void dropped(const std::string &link, const QByteArray &bytes) = 0;
-    /// What became of the exchange.
+    /// The result of the exchange.
     virtual void judged(const std::string &link, const std::string &verdict) = 0;
 };
 
-/// The taps of one link; each is the caller's and outlives this.
+/// The taps of one link. Each tap outlives this object.
 struct LineTaps {
     std::string link;
     std::vector<LineTap *> taps;

@@ -1,4 +1,4 @@
-// A serial port that cannot be used, or can no longer.
+// A serial port cannot be opened, or was disconnected.
 #pragma once
 
 #include <stdexcept>

@@ -21,7 +21,7 @@ std::string firstMatch(const std::string &pattern)
     return result == 0 && found.gl_pathc > 0 ? found.gl_pathv[0] : std::string();
 }
 
-// The device itself, not a link to it: the system's list of ports knows no links.
+// The device itself, not a link to it: the system's list of ports contains no links.
 std::string target(const std::string &device)
 {
     return QFileInfo(QString::fromStdString(device)).canonicalFilePath().toStdString();
@@ -52,13 +52,13 @@ AdapterIdentity identityOf(const std::string &device)
 std::string findPort(const std::vector<std::string> &devices, const AdapterIdentity &lastSeen)
 {
     for (const std::string &name : devices) {
-        // By its name first: a name may hold what a pattern would take for special.
+        // As a name first: a name may contain characters that are special in patterns.
         const std::string device =
             QFileInfo::exists(QString::fromStdString(name)) ? name : firstMatch(name);
         if (!device.empty())
             return target(device);
     }
-    // An adapter with several ports has one number for all of them: then nobody can tell.
+    // An adapter with several ports has one serial number for all of them, which identifies none.
     std::vector<std::string> found;
     for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts())
         if (isSame(identityOf(info), lastSeen))

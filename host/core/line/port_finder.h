@@ -1,4 +1,4 @@
-// Which device is behind a line just now.
+// Finds the device of a line.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace velko
 {
 
-/// What an adapter says of itself; all empty where it says nothing (a UART on the board, a
+/// Identifies an adapter; empty for a port without identification (an on-board UART, a
 /// pseudo-terminal).
 struct AdapterIdentity {
     std::string serialNumber;
@@ -15,12 +15,12 @@ struct AdapterIdentity {
     int product = 0;
 };
 
-/// Of a device that is there.
+/// `device` exists.
 AdapterIdentity identityOf(const std::string &device);
 
-/// The first name or pattern ("/dev/ttyUSB*") that leads to something. Where none does, the device
-/// that the adapter `lastSeen` is known by now: unplugged and plugged in again, it may have another
-/// number. Empty when there is none. Symbolic links are followed anew at each call.
+/// Returns the device of the first name or pattern ("/dev/ttyUSB*") that exists. If none exists,
+/// returns the present device of the adapter `lastSeen`, which may have another number after it was
+/// unplugged. Empty if there is neither. Each call follows symbolic links again.
 std::string findPort(const std::vector<std::string> &devices, const AdapterIdentity &lastSeen);
 
 } // namespace velko

@@ -57,7 +57,7 @@ std::string exceptionText(int code)
                                                        "memory parity error",
                                                        "",
                                                        "gateway path unavailable",
-                                                       "gateway target silent"};
+                                                       "gateway target device failed to respond"};
     const size_t index = static_cast<size_t>(code);
     const std::string name = code > 0 && index < names.size() ? names.at(index) : "";
     return "exception " + std::to_string(code) + " (" + (name.empty() ? "unknown" : name) + ")";

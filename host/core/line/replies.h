@@ -1,4 +1,4 @@
-// What the bytes on a line say about themselves. Whether a reply is good is the driver's to judge.
+// Reads fields of frames. The driver decides whether a response is good.
 #pragma once
 
 #include <QByteArray>
@@ -14,14 +14,14 @@ const int READ_OVERHEAD_BYTES = 5; // station, function, byte count, CRC
 /// 0 to 255.
 int byteAt(const QByteArray &bytes, int index);
 
-/// Bytes of the reply frame that begins with `bytes`, as far as they tell: while they are too few to
-/// know, a length above their number; 0 for a function whose replies are not known.
+/// Length of the response frame that begins with `bytes`. While there are too few bytes to know it,
+/// a length greater than their number; 0 for an unknown function.
 int frameLength(const QByteArray &bytes);
 
-/// True for a whole exception reply, checksum included, to the request.
+/// True if `reply` is a complete exception response to the request, with its CRC.
 bool isExceptionTo(const QByteArray &request, const QByteArray &reply);
 
-/// Of an exception reply.
+/// `reply` is an exception response.
 int exceptionCode(const QByteArray &reply);
 
 /// "exception 2 (illegal data address)"

@@ -9,11 +9,11 @@ namespace velko
 namespace
 {
 
-// A line that never falls silent is not waited for.
+// Limit for a line that is never silent.
 const int MAX_DISCARDS = 100;
 
 const int LONGEST_FRAME = 256; // bytes
-const int MAX_BATCHES = 10;    // that a USB adapter makes of one
+const int MAX_BATCHES = 10;    // into which a USB adapter splits a frame
 
 } // namespace
 
@@ -46,7 +46,7 @@ Exchange SerialLine::exchange(const QByteArray &frame, int replyLength)
     return exchange;
 }
 
-// What came since the last exchange belongs to nobody, and the silence begins behind it.
+// Drops the bytes received since the last exchange; the frame gap begins after them.
 void SerialLine::settle()
 {
     for (int i = 0; i < MAX_DISCARDS; ++i) {
@@ -58,7 +58,7 @@ void SerialLine::settle()
     }
 }
 
-// The system takes the bytes at once; the wire needs its time for them.
+// The system accepts the bytes at once; the line takes longer to send them.
 void SerialLine::send(const QByteArray &frame)
 {
     m_taps.sent(frame);
@@ -106,7 +106,7 @@ Exchange SerialLine::receive(AnswerFilter &filter)
     return exchange;
 }
 
-// Until the answer's first byte.
+// Waits for the first byte of the response.
 void SerialLine::await(AnswerFilter &filter, Clock::time_point deadline)
 {
     const int pause = byteTimeout(m_settings);
@@ -114,7 +114,7 @@ void SerialLine::await(AnswerFilter &filter, Clock::time_point deadline)
     while (!filter.hasBegun()) {
         const int left = millisecondsUntil(deadline);
         if (left == 0) {
-            filter.gap(); // behind what looked like another frame, the answer may have begun
+            filter.gap(); // the response may have begun after what looked like another frame
             return;
         }
         const QByteArray bytes = read(std::min(left, pause));
@@ -127,7 +127,7 @@ void SerialLine::await(AnswerFilter &filter, Clock::time_point deadline)
     }
 }
 
-// The rest of the answer. A line that never falls silent is not listened to for ever.
+// Receives the rest of the response. The time is limited, for a line that is never silent.
 void SerialLine::collect(AnswerFilter &filter, Clock::time_point deadline)
 {
     const int pause = byteTimeout(m_settings);
@@ -138,12 +138,12 @@ void SerialLine::collect(AnswerFilter &filter, Clock::time_point deadline)
         if (bytes.isEmpty())
             return;
         filter.add(bytes);
-        if (!filter.hasBegun()) // it was a late answer to another request
+        if (!filter.hasBegun()) // it was a late response to another request
             await(filter, deadline);
     }
 }
 
-// An answer that comes later than the time-out would be taken for the answer to the next request.
+// A response after the timeout would be taken for the response to the next request.
 void SerialLine::rest()
 {
     const milliseconds guard(m_settings.guardTime.value_or(m_settings.replyTimeout));

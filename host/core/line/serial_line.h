@@ -1,4 +1,4 @@
-// The serial line: one request and its answer at a time, and the rests between them.
+// The serial line: one request and its response at a time, with the frame gaps between them.
 #pragma once
 
 #include "host/core/line/answer_filter.h"
@@ -10,30 +10,31 @@ namespace velko
 
 struct Exchange {
     enum Outcome {
-        ANSWERED, ///< a whole answer or an exception reply
-        CUT,      ///< the beginning of an answer
+        ANSWERED, ///< a complete response or exception response
+        CUT,      ///< a truncated response
         NOTHING,
-        COLLISION, ///< the echo was not what was sent: another device sent at the same time
+        COLLISION, ///< the echo differs from the request: another device sent at the same time
         NO_ECHO
     };
 
     Outcome outcome = NOTHING;
-    QByteArray reply;               ///< what the driver is to judge
-    microseconds responseTime = {}; ///< from the request's last byte to the answer's first
-    bool isQuiet = true;            ///< no byte came at all
+    QByteArray reply; ///< for the driver's judgement
+    microseconds responseTime =
+        {};              ///< from the last byte of the request to the first of the response
+    bool isQuiet = true; ///< no byte was received
 };
 
 class SerialLine
 {
 public:
-    /// Opens the port, `lastSeen` as in findPort. `taps` is the caller's and outlives the line. One
-    /// thread opens and uses it. Throws PortError.
+    /// Opens the port; `lastSeen` as in findPort. `taps` outlives the line. The same thread opens
+    /// and uses the line. Throws PortError.
     SerialLine(const LineSettings &settings, const LineTaps &taps,
                const AdapterIdentity &lastSeen = {});
 
-    /// Waits for silence, sends the frame and collects the answer of `replyLength` bytes (5 or more).
-    /// After an answer that did not come, or not whole, the line has rested for the guard time when
-    /// this returns. Throws PortError.
+    /// Waits for the frame gap, sends the frame and receives a response of `replyLength` bytes (at
+    /// least 5). After a missing or truncated response it returns at the end of the guard time.
+    /// Throws PortError.
     Exchange exchange(const QByteArray &frame, int replyLength);
 
     const std::string &device() const { return m_port.device(); }
@@ -51,7 +52,7 @@ private:
     const LineSettings m_settings;
     const LineTaps &m_taps;
     SerialPort m_port;
-    Clock::time_point m_lastByte; // on the wire, in either direction
+    Clock::time_point m_lastByte; // on the line, in either direction
     bool m_wasHeard = false;      // since the request was sent
 };
 

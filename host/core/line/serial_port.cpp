@@ -31,29 +31,31 @@ QSerialPort::Parity parityOf(char letter)
     }
 }
 
-// It knows no parity, and some of the system's functions take exception to that.
+// It has no parity, and some functions of the system fail if parity is set.
 bool isPseudoTerminal(const std::string &device)
 {
-    const unsigned first = 136; // of the major numbers that are set aside for them
+    const unsigned first = 136; // of the major device numbers for pseudo-terminals
     const unsigned last = 143;
     struct stat status = {};
     return ::stat(device.c_str(), &status) == 0 && S_ISCHR(status.st_mode)
            && major(status.st_rdev) >= first && major(status.st_rdev) <= last;
 }
 
-// Why a port cannot be opened, and what to do.
+// The reason why a port cannot be opened, and advice.
 std::string adviceOn(const QSerialPort &port)
 {
     switch (port.error()) {
     case QSerialPort::DeviceNotFoundError:
         return "there is no such device";
     case QSerialPort::PermissionError:
-        return "another program uses it, or this user may not (its group is often dialout): "
-               + port.errorString().toStdString();
+        return port.errorString().toStdString()
+               + ". End the program that uses it, or add your user to its group, often "
+                 "\"dialout\".";
     default:
         break;
     }
-    return "it is no serial port, or refuses these settings: " + port.errorString().toStdString();
+    return "it is not a serial port, or does not support these settings: "
+           + port.errorString().toStdString();
 }
 
 } // namespace
@@ -79,7 +81,7 @@ void SerialPort::configure(const LineSettings &settings)
     m_port.setStopBits(settings.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
 }
 
-// The kernel turns the transceiver around after the last bit; no program could do it in time.
+// The kernel switches the direction after the last bit; a program would be too late.
 void SerialPort::setDirectionControl(Rs485 mode)
 {
     if (mode == Rs485::OFF)
@@ -89,21 +91,22 @@ void SerialPort::setDirectionControl(Rs485 mode)
         SER_RS485_ENABLED
         | (mode == Rs485::RTS_ON_SEND ? SER_RS485_RTS_ON_SEND : SER_RS485_RTS_AFTER_SEND);
     if (::ioctl(m_port.handle(), TIOCSRS485, &control) != 0)
-        fail(std::string("does not switch the RS-485 direction (") + std::strerror(errno)
-             + "): its kernel driver has no TIOCSRS485; use an adapter that switches by itself and "
-               "leave rs485 out");
+        fail(
+            std::string("cannot switch the RS-485 direction (") + std::strerror(errno)
+            + "): its kernel driver has no TIOCSRS485. Use an adapter that switches by itself, and "
+              "leave out rs485, -F and -R.");
 }
 
 void SerialPort::write(const QByteArray &bytes)
 {
     if (m_port.write(bytes) != bytes.size())
-        fail("does not take a frame: " + m_port.errorString().toStdString());
-    // Most often the system takes all at once. Where it has no room just now, that is no error yet.
+        fail("does not accept a frame: " + m_port.errorString().toStdString());
+    // Most often the system accepts all bytes at once. A full buffer is not an error yet.
     if (!m_port.flush())
         m_port.clearError();
     while (m_port.bytesToWrite() > 0)
         if (!m_port.waitForBytesWritten(WRITE_TIMEOUT))
-            fail("has gone, or takes no bytes: " + m_port.errorString().toStdString());
+            fail("was disconnected, or accepts no bytes: " + m_port.errorString().toStdString());
 }
 
 QByteArray SerialPort::read(int timeout)
@@ -111,7 +114,7 @@ QByteArray SerialPort::read(int timeout)
     const bool isThere = m_port.bytesAvailable() > 0 || m_port.waitForReadyRead(timeout);
     const QSerialPort::SerialPortError error = m_port.error();
     if (error != QSerialPort::NoError && error != QSerialPort::TimeoutError)
-        fail("has gone: " + m_port.errorString().toStdString());
+        fail("was disconnected: " + m_port.errorString().toStdString());
     m_port.clearError();
     return isThere ? m_port.readAll() : QByteArray();
 }

@@ -1,4 +1,4 @@
-// An open serial port: bytes out, bytes in, and its errors as PortError.
+// An open serial port, whose errors are PortError.
 #pragma once
 
 #include "host/core/line/line_times.h"
@@ -12,17 +12,18 @@ namespace velko
 class SerialPort
 {
 public:
-    /// Opens what the settings name, `lastSeen` as in findPort. Throws PortError that names the
-    /// device, the reason and what to do. The thread that opens it is the one that uses it.
+    /// Opens the port; `lastSeen` as in findPort. The same thread opens and uses it. Throws
+    /// PortError with the device, the reason and advice.
     explicit SerialPort(const LineSettings &settings, const AdapterIdentity &lastSeen = {});
 
-    /// The device that was opened.
+    /// The device that is open.
     const std::string &device() const { return m_device; }
 
-    /// Returns when the system has taken all bytes. Throws PortError.
+    /// Returns when the system has accepted all bytes. Throws PortError.
     void write(const QByteArray &bytes);
 
-    /// What is there, or comes within `timeout` milliseconds; empty when nothing does. Throws PortError.
+    /// Returns the bytes received so far, or the first ones within `timeout` milliseconds; empty if
+    /// there are none. Throws PortError.
     QByteArray read(int timeout);
 
 private:

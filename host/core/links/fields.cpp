@@ -35,7 +35,7 @@ Fields::Fields(const std::string &path, const toml::table &table, const std::str
         if (std::find(known.begin(), known.end(), key.str()) == known.end())
             throw errorAt(path, key.source(),
                           "unknown key \"" + std::string(key.str()) + "\"; " + title
-                              + " takes: " + joined(known));
+                              + " accepts: " + joined(known));
 }
 
 std::optional<std::string> Fields::text(const std::string &key) const
@@ -61,9 +61,9 @@ std::string Fields::requiredAddress(const std::string &key) const
     const toml::node *const node = m_table.get(key);
     if (node && node->is_integer())
         return std::to_string(node->value_or<int64_t>(0));
-    // As a fraction 3.10 and 3.1 would be the same.
+    // As a number, 3.10 and 3.1 would be the same.
     if (node && node->is_floating_point())
-        fail(key, "write a bit's address in quotes");
+        fail(key, "write the address of a bit in quotes");
     return requiredText(key);
 }
 
@@ -92,7 +92,7 @@ size_t Fields::choice(const std::string &key, const std::vector<std::string> &ch
         return otherwise;
     const auto place = std::find(choices.begin(), choices.end(), *value);
     if (place == choices.end())
-        fail(key, "\"" + *value + "\" is none of: " + joined(choices));
+        fail(key, "\"" + *value + "\" is not one of: " + joined(choices));
     return static_cast<size_t>(place - choices.begin());
 }
 

@@ -1,4 +1,4 @@
-// The keys of one table of a TOML file, each checked as it is taken.
+// Reads and checks the keys of one table of a TOML file.
 #pragma once
 
 #include "host/core/links/file_error.h"
@@ -15,31 +15,31 @@ namespace velko
 class Fields
 {
 public:
-    /// Throws FileError for a key that is none of `known`. The table outlives this.
+    /// `path` and `table` outlive this object. Throws FileError for a key that is not in `known`.
     Fields(const std::string &path, const toml::table &table, const std::string &title,
            const std::vector<std::string> &known);
 
-    // All throw FileError for a value of another type, or out of its range.
+    // All of them throw FileError for a value of a wrong type or out of range.
 
     std::optional<std::string> text(const std::string &key) const;
     std::string requiredText(const std::string &key) const;
-    /// A text, or a whole number as the text that it is.
+    /// Reads a text, or a whole number as text.
     std::string requiredAddress(const std::string &key) const;
-    /// One text or several.
+    /// Reads one text, or a list of texts.
     std::vector<std::string> requiredTexts(const std::string &key) const;
-    /// The index of the text among `choices`.
+    /// Returns the index of the text in `choices`.
     size_t choice(const std::string &key, const std::vector<std::string> &choices,
                   size_t otherwise) const;
     int number(const std::string &key, int lowest, int highest, int otherwise) const;
     std::optional<int> number(const std::string &key, int lowest, int highest) const;
-    /// Milliseconds with a fraction, as microseconds.
+    /// Reads milliseconds, with or without a fraction, and returns microseconds.
     int microseconds(const std::string &key, int highestMilliseconds) const;
     bool flag(const std::string &key, bool otherwise) const;
     const toml::array &requiredTables(const std::string &key) const;
 
-    /// At a key, or at the table where the key is not there.
+    /// Reports an error at a key, or at the table if the key is missing.
     [[noreturn]] void fail(const std::string &key, const std::string &reason) const;
-    /// At an element of a list of tables.
+    /// Reports an error at an element of a list of tables.
     [[noreturn]] void failAt(const std::string &key, size_t index, const std::string &reason) const;
 
 private:

@@ -1,4 +1,4 @@
-// A file of links and variables that is refused.
+// An error in a file of links and variables.
 #pragma once
 
 #include <stdexcept>
@@ -6,7 +6,7 @@
 namespace velko
 {
 
-/// "press.toml:12:5: what is wrong"
+/// The message begins with the place: "press.toml:12:5: ...".
 class FileError : public std::runtime_error
 {
 public:

@@ -1,4 +1,4 @@
-// A link: one serial line, how it is run, and the variables that lie behind it.
+// A link: one serial line, its settings and its variables.
 #pragma once
 
 #include "host/core/line/line_settings.h"
@@ -10,15 +10,15 @@ namespace velko
 struct Link {
     std::string name;
     LineSettings line;
-    int maxRegs = 100;           ///< registers per request at the most
-    int retries = 2;             ///< failed exchanges tolerated before a request is given up
-    bool ownFailuresOnly = true; ///< a request is given up for its own failures, not for others'
-    int offerAgain = 0;          ///< how often a given-up write is queued anew before it has failed
-    int staleAfter = 5000;       ///< milliseconds after which a value is no longer called good
+    int maxRegs = 100;           ///< registers per request, at most
+    int retries = 2;             ///< before a request is given up
+    bool ownFailuresOnly = true; ///< failures of other requests do not count as retries
+    int offerAgain = 0;          ///< times that a given-up write is queued again before it fails
+    int staleAfter = 5000;       ///< milliseconds after which a value is stale
     std::vector<Variable> variables;
 
     bool isWritten() const;
-    /// Ascending, each once.
+    /// Station numbers, ascending, each once.
     std::vector<int> stations() const;
 };
 

@@ -24,7 +24,7 @@ const std::vector<std::string> linkKeys = {
 const std::vector<std::string> variableKeys = {"name",   "station", "kind",  "address",
                                                "format", "count",   "access"};
 
-// A name stands before "=" in a write and in a line of its own in what is printed.
+// In a write a name ends at "=", and in the output at a space.
 std::string readName(const Fields &fields, const char *what, std::set<std::string> &known)
 {
     std::string name = fields.requiredText("name");
@@ -32,10 +32,10 @@ std::string readName(const Fields &fields, const char *what, std::set<std::strin
         const int code = static_cast<unsigned char>(character);
         if (code <= ' ' || code == '=' || code == 127)
             fields.fail("name",
-                        "\"" + name + "\" holds a space, a \"=\" or what cannot be printed");
+                        "\"" + name + "\" contains a space, a \"=\" or a control character");
     }
     if (!known.insert(name).second)
-        fields.fail("name", std::string("there is another ") + what + " \"" + name + "\"");
+        fields.fail("name", std::string("there is already a ") + what + " \"" + name + "\"");
     return name;
 }
 
@@ -76,7 +76,7 @@ private:
     {
         QFile file(QString::fromStdString(m_path));
         if (QFileInfo(file).isDir() || !file.open(QIODevice::ReadOnly))
-            throw FileError(m_path + ": it cannot be read: "
+            throw FileError(m_path + ": cannot be read: "
                             + (QFileInfo(file).isDir() ? "it is a directory"
                                                        : file.errorString().toStdString()));
         try {
@@ -95,7 +95,7 @@ private:
         for (const std::string &device : link.line.devices)
             if (!m_devices.insert(device).second)
                 fields.fail("device",
-                            "\"" + device + "\" stands there already; one line is one link");
+                            "\"" + device + "\" belongs to a link already; one port is one link");
         link.retries = fields.number("retries", 0, HIGHEST_RETRIES, link.retries);
         link.ownFailuresOnly = fields.flag("ownFailuresOnly", link.ownFailuresOnly);
         link.offerAgain = fields.number("offerAgain", 0, HIGHEST_OFFER_AGAIN, link.offerAgain);
@@ -147,13 +147,13 @@ private:
             return;
         if (link.maxRegs > HIGHEST_MAX_REGS_WRITING || link.maxRegs % 2 != 0)
             fields.fail("maxRegs",
-                        "on a link with variables that are written it must be an even number from "
+                        "on a link with writable variables it must be an even number from "
                             + std::to_string(LOWEST_MAX_REGS) + " to "
                             + std::to_string(HIGHEST_MAX_REGS_WRITING));
     }
 
-    // Of two queued writes to one target the driver keeps the newer one, under its name alone: the
-    // fate of the other would never be told.
+    // Of two queued writes to one target the driver keeps only the newer one and its name: the
+    // result of the other one would never be reported.
     static void checkTargets(const Fields &fields, const Link &link)
     {
         std::map<WriteTarget, std::string> names;
@@ -165,11 +165,11 @@ private:
                 const auto place = names.insert({target, variable.name}).first;
                 if (place->second != variable.name)
                     fields.failAt("variable", i,
-                                  "\"" + variable.name + "\" writes what \"" + place->second
-                                      + "\" writes already: register "
+                                  "\"" + variable.name + "\" writes the same bits as \""
+                                      + place->second + "\": register address "
                                       + std::to_string(target.firstBit / REGISTER_BITS)
                                       + " of station " + std::to_string(target.station)
-                                      + "; let one of the two be read only");
+                                      + ". Give one of the two access = \"read\".");
             }
         }
     }

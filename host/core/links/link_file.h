@@ -1,4 +1,4 @@
-// The file that says which links there are and which variables: TOML.
+// Reads the file of links and variables, which is TOML.
 #pragma once
 
 #include "host/core/links/file_error.h"
@@ -7,7 +7,7 @@
 namespace velko
 {
 
-/// At least one link, each with at least one variable. Throws FileError.
+/// Returns at least one link, each with at least one variable. Throws FileError.
 std::vector<Link> readLinkFile(const std::string &path);
 
 } // namespace velko

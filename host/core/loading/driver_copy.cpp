@@ -11,13 +11,13 @@ namespace velko
 std::unique_ptr<DriverLibrary> loadDriverCopy(const std::string &path)
 {
     checkDriverFile(path);
-    // Loaded, the file needs no name any more: the folder goes at the end of this function.
+    // Once loaded, the file needs no name: the folder is removed at the end of this function.
     const QTemporaryDir folder;
     const QString copy = folder.filePath(QStringLiteral("driver.so"));
     if (!folder.isValid() || !QFile::copy(QString::fromStdString(path), copy))
-        throw std::runtime_error("cannot copy the driver " + path + " to "
+        throw std::runtime_error("cannot copy the driver library file " + path + " to "
                                  + folder.path().toStdString()
-                                 + ": make room there, or name another folder in TMPDIR");
+                                 + ". Free some space there, or set TMPDIR to another folder.");
     return std::make_unique<DriverLibrary>(copy.toStdString());
 }
 

@@ -1,4 +1,5 @@
-// A copy of the driver's own: one copy drives one line, and the loader gives the same file only once.
+// Loads a separate copy of the driver: one copy drives one line, and the loader loads a file only
+// once.
 #pragma once
 
 #include "host/core/loading/driver_library.h"
@@ -8,7 +9,7 @@
 namespace velko
 {
 
-/// Copies the file to the system's folder for temporary files, loads the copy and removes it again.
+/// Copies the file to the system's temporary folder, loads the copy and removes it.
 /// Throws std::runtime_error.
 std::unique_ptr<DriverLibrary> loadDriverCopy(const std::string &path);
 

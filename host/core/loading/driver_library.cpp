@@ -15,21 +15,22 @@ namespace velko
 namespace
 {
 
-// The loader maps what a file's header promises; of a file that was cut short it would touch pages
-// that are not there, and the process would die.
+// The loader maps the size that the header gives. With a truncated file it would access pages that
+// do not exist, and the process would be killed.
 void checkWhole(const std::string &path)
 {
     std::ifstream file(path, std::ios::binary);
     ElfW(Ehdr) header;
     if (!file.read(reinterpret_cast<char *>(&header), sizeof header)
         || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
-        throw std::runtime_error("cannot load the driver: " + path
-                                 + " cannot be read, or is no shared library");
+        throw std::runtime_error("cannot load the driver library file " + path
+                                 + ": it cannot be read, or is not a shared library");
     file.seekg(0, std::ios::end);
     const auto size = static_cast<unsigned long long>(file.tellg());
     if (size
         < header.e_shoff + static_cast<unsigned long long>(header.e_shnum) * header.e_shentsize)
-        throw std::runtime_error("cannot load the driver: " + path + " was cut short");
+        throw std::runtime_error("cannot load the driver library file " + path
+                                 + ": it is truncated");
 }
 
 void *load(const std::string &path, int flags)
@@ -37,7 +38,7 @@ void *load(const std::string &path, int flags)
     checkDriverFile(path);
     void *const handle = dlopen(path.c_str(), RTLD_NOW | flags);
     if (!handle)
-        throw std::runtime_error("cannot load the driver: " + std::string(dlerror()));
+        throw std::runtime_error("cannot load the driver library file: " + std::string(dlerror()));
     return handle;
 }
 
@@ -46,8 +47,9 @@ void *load(const std::string &path, int flags)
 void checkDriverFile(const std::string &path)
 {
     if (path.find('/') == std::string::npos)
-        throw std::runtime_error("cannot load the driver: \"" + path
-                                 + "\" is no path; write ./NAME for a file in this folder");
+        throw std::runtime_error("cannot load the driver library file \"" + path
+                                 + "\": it is not a path. Write ./" + path
+                                 + " for a file in this folder.");
     checkWhole(path);
 }
 
@@ -85,7 +87,8 @@ void *DriverLibrary::symbol(const char *name) const
 {
     void *const address = dlsym(m_handle, name);
     if (!address)
-        throw std::runtime_error(m_path + " is not the driver: it does not export " + name);
+        throw std::runtime_error(m_path + " is not the driver library file: it does not export "
+                                 + name);
     return address;
 }
 

@@ -1,4 +1,4 @@
-// The driver as a panel's runtime has it: a file that is loaded while the program runs.
+// The driver as a panel uses it: a file that is loaded at run time.
 #pragma once
 
 #include "velko_modbus_rtu.h"
@@ -8,22 +8,22 @@
 namespace velko
 {
 
-/// Throws std::runtime_error for a file that cannot be the driver: one that is not there, is cut
-/// short or is named without a "/".
+/// Throws std::runtime_error for a file that cannot be the driver: it is missing or truncated, or
+/// its path has no "/".
 void checkDriverFile(const std::string &path);
 
 /// A loaded copy of the driver and its entry points. One copy drives one serial line.
 class DriverLibrary
 {
 public:
-    /// Loads the file. Throws std::runtime_error that says what is wrong with it. `path` holds a
-    /// "/": the loader would look a bare name up among the libraries that are loaded already.
+    /// Loads the file. `path` must contain a "/": the loader looks up a bare name among the
+    /// libraries that are already loaded. Throws std::runtime_error with the reason.
     explicit DriverLibrary(const std::string &path, int dlopenFlags = 0);
     ~DriverLibrary();
     DriverLibrary(const DriverLibrary &) = delete;
     DriverLibrary &operator=(const DriverLibrary &) = delete;
 
-    /// Address of any other exported name. Throws std::runtime_error where there is none.
+    /// Address of any exported name. Throws std::runtime_error if there is none.
     void *symbol(const char *name) const;
 
 private:

@@ -13,9 +13,9 @@ namespace
 
 const int REQUEST_BYTES = 8;
 
-std::vector<bool> wantedRegisters(const RW_VAR &request, const Link &link)
+std::vector<bool> neededRegisters(const RW_VAR &request, const Link &link)
 {
-    std::vector<bool> wanted(static_cast<size_t>(request.count));
+    std::vector<bool> needed(static_cast<size_t>(request.count));
     for (const Variable &variable : link.variables) {
         const RegisterSpan span = registersOf(variable);
         if (!variable.isRead() || variable.station != request.station
@@ -23,18 +23,18 @@ std::vector<bool> wantedRegisters(const RW_VAR &request, const Link &link)
             continue;
         const int last = std::min(span.last - request.addr, request.count - 1);
         for (int i = std::max(span.first - request.addr, 0); i <= last; ++i)
-            wanted[static_cast<size_t>(i)] = true;
+            needed[static_cast<size_t>(i)] = true;
     }
-    return wanted;
+    return needed;
 }
 
-std::vector<Gap> gapsIn(const std::vector<bool> &wanted, int first)
+std::vector<Gap> gapsIn(const std::vector<bool> &needed, int first)
 {
     std::vector<Gap> gaps;
-    for (size_t i = 0; i < wanted.size(); ++i) {
-        if (wanted[i])
+    for (size_t i = 0; i < needed.size(); ++i) {
+        if (needed[i])
             continue;
-        if (i == 0 || wanted[i - 1])
+        if (i == 0 || needed[i - 1])
             gaps.push_back({first + static_cast<int>(i), 0});
         ++gaps.back().count;
     }
@@ -45,15 +45,15 @@ std::vector<Gap> gapsIn(const std::vector<bool> &wanted, int first)
 
 RequestCost costOf(const PlannedRequest &request, const Link &link)
 {
-    const std::vector<bool> wanted = wantedRegisters(request.var, link);
+    const std::vector<bool> needed = neededRegisters(request.var, link);
     RequestCost cost;
     cost.function = byteAt(request.frame, 1);
     cost.wireRegister = byteAt(request.frame, 2) << BYTE_BITS | byteAt(request.frame, 3);
-    cost.asked = request.var.count;
-    cost.wanted = static_cast<int>(std::count(wanted.begin(), wanted.end(), true));
+    cost.registers = request.var.count;
+    cost.needed = static_cast<int>(std::count(needed.begin(), needed.end(), true));
     cost.bytes = request.frame.size() + request.replyLength;
     cost.wireTime = wireTime(link.line, cost.bytes);
-    cost.gaps = gapsIn(wanted, request.var.addr);
+    cost.gaps = gapsIn(needed, request.var.addr);
     return cost;
 }
 

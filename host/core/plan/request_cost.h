@@ -9,7 +9,7 @@
 namespace velko
 {
 
-/// Registers within a request that no variable wants.
+/// Registers within a request that no variable needs.
 struct Gap {
     int first; ///< before the 5000 of the third area is added
     int count;
@@ -18,9 +18,9 @@ struct Gap {
 struct RequestCost {
     int function;
     int wireRegister; ///< the first one, as numbered on the line
-    int asked;        ///< registers
-    int wanted;       ///< registers
-    int bytes;        ///< of request and response
+    int registers;
+    int needed; ///< registers that a variable needs
+    int bytes;  ///< of request and response
     microseconds wireTime;
     std::vector<Gap> gaps;
 };
@@ -36,8 +36,8 @@ microseconds overheadTime(const LineSettings &line);
 /// True if the gap takes longer than one more request does.
 bool isWorthSplitting(const Gap &gap, const LineSettings &line);
 
-/// The maxRegs with which the registers after the gap become a request of their own. Even, as a link
-/// that writes needs it.
+/// The maxRegs with which the registers after the gap become a request of their own. Even, as a
+/// link that writes needs it.
 int maxRegsToSplit(const RW_VAR &request, const Gap &gap);
 
 } // namespace velko

@@ -8,7 +8,7 @@ namespace velko
 
 RequestPlanner::RequestPlanner(const std::string &library) : m_driver(loadDriverCopy(library))
 {
-    m_info.retryLimit = 0; // the first "failed" exchange hands out the next request
+    m_info.retryLimit = 0; // each failed exchange gives up its request
     m_driver->SetComInfo(&m_info);
 }
 
@@ -36,7 +36,7 @@ void RequestPlanner::planStation(const Link &link, int station,
         if (!request)
             return;
         requests.push_back({request->var, request->frame, request->replyLen});
-        m_driver->DataCom(&nothing, 0); // gives it up, and the list moves on
+        m_driver->DataCom(&nothing, 0); // gives up the request; the next one follows
     }
 }
 

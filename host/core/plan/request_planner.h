@@ -1,4 +1,4 @@
-// Which requests the variables of a link become.
+// The read requests for the variables of a link.
 #pragma once
 
 #include "host/core/links/link.h"
@@ -7,20 +7,20 @@
 namespace velko
 {
 
-/// One request of the cyclic list, as the driver made it.
+/// One request of the cyclic list, as the driver builds it.
 struct PlannedRequest {
     RW_VAR var; ///< varKind an AREA_...; ready for AddListReadVar
     QByteArray frame;
     int replyLength; ///< bytes
 };
 
-/// The driver's own list knows only one station; a host with several has to ask it for each station
-/// and put the lists together. It asks a copy of the driver that never sees a line, so that the one
-/// at work is not disturbed.
+/// The driver plans for one station at a time; a host with several stations joins the lists of all
+/// of them. The planner has its own copy of the driver, which is not used on a line, so that the
+/// copy in use is not disturbed.
 class RequestPlanner
 {
 public:
-    /// Throws std::runtime_error where the driver cannot be loaded.
+    /// Throws std::runtime_error if the driver library file cannot be loaded.
     explicit RequestPlanner(const std::string &library);
 
     /// Stations in ascending order.

@@ -1,4 +1,4 @@
-// Lists in messages.
+// Lists in texts.
 #pragma once
 
 #include <string>

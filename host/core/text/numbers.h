@@ -1,5 +1,5 @@
-// Numbers in texts, the same in every language: the functions of Qt and of the C library want a comma
-// in some countries.
+// Numbers in texts, the same in every language: the functions of Qt and of the C library want a
+// comma in some countries.
 #pragma once
 
 #include <string>

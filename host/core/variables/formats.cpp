@@ -1,6 +1,7 @@
 #include "host/core/variables/formats.h"
 
 #include "host/core/sizes/units.h"
+#include "host/core/text/joined.h"
 #include "host/core/text/numbers.h"
 
 #include <algorithm>
@@ -40,11 +41,19 @@ const std::array<TypeRow, 10> types = {{
     {"text", BYTE_BITS, 0, 0},
 }};
 
-const double FLOAT_OVERFLOW = 3.4028235677973366e38; // from here on it rounds to infinity
+const double FLOAT_OVERFLOW = 3.4028235677973366e38; // rounds to infinity, as all above it
 
 const TypeRow &rowOf(const Format &format)
 {
     return types.at(static_cast<size_t>(format.type));
+}
+
+std::vector<std::string> typeNames()
+{
+    std::vector<std::string> names;
+    for (const TypeRow &row : types)
+        names.emplace_back(row.name);
+    return names;
 }
 
 std::string defaultOrder(Format::Type type)
@@ -69,8 +78,8 @@ bool isOrder(const std::string &order, Format::Type type)
     return std::find(orders.begin(), orders.end(), order) != orders.end();
 }
 
-// The place of byte `index` of a register pair as it travels, high byte first, in the driver's bytes,
-// where each register's low byte comes first.
+// Index in the driver's bytes (low byte of each register first) of a byte on the line (high byte
+// first).
 int storedAt(int index)
 {
     return index ^ 1;
@@ -210,7 +219,7 @@ std::string charactersFrom(const QByteArray &bytes, const Format &format, int co
     return text;
 }
 
-// The characters that a text with escapes stands for.
+// Replaces the escapes by their characters.
 std::string unescaped(const std::string &text)
 {
     std::string characters;
@@ -235,7 +244,7 @@ QByteArray charactersOf(const std::string &text, const Format &format, int count
     const std::string characters = unescaped(text);
     if (characters.size() > static_cast<size_t>(count))
         throw std::invalid_argument("\"" + text + "\" is too long: it has "
-                                    + std::to_string(characters.size()) + " characters, and "
+                                    + std::to_string(characters.size()) + " characters; at most "
                                     + std::to_string(count) + " fit");
     QByteArray bytes(inRegisters ? (count + 1) / REGISTER_BYTES * REGISTER_BYTES : count, 0);
     for (size_t i = 0; i < characters.size(); ++i) {
@@ -265,15 +274,14 @@ Format parseFormat(const std::string &text)
                                          [&](const TypeRow &type) { return name == type.name; });
     if (row == types.end())
         throw std::invalid_argument("format \"" + text
-                                    + "\" is none of: bit, u8, s8, u16, s16, hex, "
-                                      "u32, s32, f32, text");
+                                    + "\" is not one of: " + joined(typeNames()));
     Format format;
     format.type = static_cast<Format::Type>(row - types.begin());
     format.order = slash == std::string::npos ? defaultOrder(format.type) : text.substr(slash + 1);
     if (slash != std::string::npos && !isOrder(format.order, format.type))
         throw std::invalid_argument("format \"" + text
-                                    + "\": the orders are ABCD, CDAB, BADC and DCBA for 32-bit "
-                                      "numbers, AB and BA for texts, none for the others");
+                                    + "\": the byte order is ABCD, CDAB, BADC or DCBA for 32-bit "
+                                      "numbers, AB or BA for texts; other formats have none");
     return format;
 }
 
@@ -320,7 +328,7 @@ QByteArray bytesFrom(const std::string &text, const Format &format, int count, b
     if (words.size() != static_cast<size_t>(count))
         throw std::invalid_argument("\"" + text
                                     + "\": values given: " + std::to_string(words.size())
-                                    + ", wanted: " + std::to_string(count));
+                                    + ", expected: " + std::to_string(count));
     QByteArray bytes;
     for (const std::string &word : words)
         bytes += bytesOf(format.type == Format::F32 ? parseFloat(word) : parseWhole(word, format),

@@ -1,4 +1,4 @@
-// How the bytes of a variable become a text for people, and a text bytes: one conversion for both.
+// Converts the bytes of a variable to text and back.
 #pragma once
 
 #include <QByteArray>
@@ -12,36 +12,37 @@ struct Format {
     enum Type { BIT, U8, S8, U16, S16, HEX, U32, S32, F32, TEXT };
 
     Type type = U16;
-    /// Of 32-bit numbers: the bytes in the order in which they travel, A being the highest. Of texts
-    /// in registers: AB where the first character is a register's high byte, BA where it is the low.
+    /// Byte order. For 32-bit numbers: the bytes as they follow on the line, A is the most
+    /// significant one. For texts in registers: AB if the first character is the high byte of a
+    /// register, BA if it is the low byte.
     std::string order;
 };
 
-/// "u16", "f32", "f32/ABCD", "text/BA" and so on. Without an order 32-bit numbers are CDAB, the
-/// lower register holding the low half, and texts AB. Throws std::invalid_argument.
+/// Parses "u16", "f32", "f32/ABCD", "text/BA" and so on. The default order is CDAB for 32-bit
+/// numbers (the low word in the lower register) and AB for texts. Throws std::invalid_argument.
 Format parseFormat(const std::string &text);
 
-/// As parseFormat reads it.
+/// The text that parseFormat parses.
 std::string nameOf(const Format &format);
 
-/// Bits of one value; of one character of a text.
+/// Bits of one value, or of one character of a text.
 int valueBits(const Format &format);
 
-/// True where a kind of units of `unitBits` bits can hold the format.
+/// True if a kind with units of `unitBits` bits can hold the format.
 bool fits(const Format &format, int unitBits);
 
-/// `bytes` as GetRegisterData delivers them, `count` values or characters; missing bytes count as 0.
-/// `inRegisters`: the kind's units are words; the characters of a text in bytes are in their order.
-/// Several values are separated by a space. A text ends at its first 0; what cannot be printed
-/// stands as \xNN.
+/// Converts `count` values or characters. `bytes` are laid out as GetRegisterData delivers them;
+/// missing bytes count as 0. `inRegisters`: the units of the kind are words, so the byte order of a
+/// text applies. A space separates values. A text ends at its first 0; a character that cannot be
+/// printed becomes \xNN.
 std::string textFrom(const QByteArray &bytes, const Format &format, int count, bool inRegisters);
 
-/// Characters of a text, an escape being one. Throws std::invalid_argument.
+/// Number of characters of a text; an escape counts as one. Throws std::invalid_argument.
 size_t charactersIn(const std::string &text);
 
-/// The bytes for SetRegisterData. A text may be shorter than its characters: it is filled with 0.
-/// Throws std::invalid_argument that says what is wrong with the text, with the range where it is out
-/// of it.
+/// Converts to the bytes for SetRegisterData. A text with fewer than `count` characters is filled
+/// with 0. Throws std::invalid_argument with the reason, and with the range if a value is out of
+/// it.
 QByteArray bytesFrom(const std::string &text, const Format &format, int count, bool inRegisters);
 
 } // namespace velko

@@ -54,9 +54,10 @@ int parseKind(const std::string &text)
     for (int kind = 0; kind < KIND_COUNT; ++kind)
         if (name == kindName(kind))
             return kind;
-    throw std::invalid_argument("kind \"" + text
-                                + "\" is none of: input, holding or holding 5000 followed by bit, "
-                                  "byte, word or double word");
+    throw std::invalid_argument("kind \"" + text + "\" is neither a number from 0 to "
+                                + std::to_string(KIND_COUNT - 1)
+                                + " nor input, holding or holding 5000 followed by bit, byte, word "
+                                  "or double word");
 }
 
 bool isWritable(int kind)

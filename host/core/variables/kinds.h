@@ -1,4 +1,4 @@
-// The twelve kinds of variables, as people name them.
+// The twelve kinds of variables and their names.
 #pragma once
 
 #include "velko_modbus_rtu.h"
@@ -15,19 +15,19 @@ Width widthOf(int kind);
 /// AREA_...
 int areaOf(int kind);
 
-/// What is added to a register of the area to have its number on the line.
+/// Difference between a register address on the line and in the area: 5000 for AREA_HOLDING_5000.
 int wireOffset(int area);
 
 /// Bits of one unit: 1, 8, 16 or 32.
 int unitBits(int kind);
 
-/// "holding word" and so on.
+/// For example "holding word".
 std::string kindName(int kind);
 
-/// From a name ("-" stands for a space as well) or the number 0 to 11. Throws std::invalid_argument.
+/// Parses a name ("-" may replace a space) or a number from 0 to 11. Throws std::invalid_argument.
 int parseKind(const std::string &text);
 
-/// The input area cannot be written.
+/// False for the input area.
 bool isWritable(int kind);
 
 } // namespace velko

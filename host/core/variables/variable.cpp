@@ -24,20 +24,21 @@ std::vector<std::string> splitAt(const std::string &text, char separator)
     return parts;
 }
 
-// The driver reads a text that is no number as 0; a person who mistypes one wants to know.
+// The driver reads a text that is not a number as 0, so a typing error must be found here.
 void checkAddress(const Variable &variable)
 {
     const bool isBit = widthOf(variable.kind) == WIDTH_BIT;
     const std::vector<std::string> numbers =
         isBit ? splitAt(variable.address, '.') : std::vector<std::string>{variable.address};
     if (isBit && numbers.size() != 2)
-        throw std::invalid_argument("address \"" + variable.address + "\" of a "
-                                    + kindName(variable.kind) + " is not BYTE.BIT");
+        throw std::invalid_argument("address \"" + variable.address
+                                    + "\" is not BYTE.BIT, as kind \"" + kindName(variable.kind)
+                                    + "\" requires");
     for (const std::string &number : numbers)
         parseNumber(number, 0, REGISTER_BYTES * (HIGHEST_REGISTER + 1) - 1, "address");
 }
 
-// In units of the kind's own width from the beginning of the area.
+// In units of the kind, from the beginning of the area.
 int firstUnit(const Variable &variable)
 {
     if (widthOf(variable.kind) != WIDTH_BIT)
@@ -46,7 +47,7 @@ int firstUnit(const Variable &variable)
     return BYTE_BITS * std::stoi(numbers.at(0)) + std::stoi(numbers.at(1));
 }
 
-// The length, with double words counted as such.
+// The length in units; a double word is one unit.
 int unitCount(const Variable &variable)
 {
     const int bits = variable.count * valueBits(variable.format);
@@ -63,15 +64,14 @@ int lastBit(const Variable &variable)
     return firstBit(variable) + unitCount(variable) * unitBits(variable.kind) - 1;
 }
 
-// Beyond 65,535 the number wraps on the line, and another register would answer.
+// Above 65,535 the address wraps on the line, and the request would reach another register.
 void checkRegisters(const Variable &variable)
 {
     const RegisterSpan span = registersOf(variable);
     const int last = span.last + wireOffset(span.area);
     if (last > HIGHEST_REGISTER)
-        throw std::invalid_argument("it ends at register " + std::to_string(last)
-                                    + " on the line, and the last one is "
-                                    + std::to_string(HIGHEST_REGISTER));
+        throw std::invalid_argument("it ends at register address " + std::to_string(last)
+                                    + "; the last one is " + std::to_string(HIGHEST_REGISTER));
 }
 
 bool isInRegisters(const Variable &variable)
@@ -94,8 +94,7 @@ void checkVariable(const Variable &variable)
                                     + kindName(variable.kind) + "\"");
     if (variable.count < 1 || variable.count > HIGHEST_COUNT)
         throw std::invalid_argument("count " + std::to_string(variable.count)
-                                    + " is not a number from 1 to "
-                                    + std::to_string(HIGHEST_COUNT));
+                                    + " is out of range: 1 to " + std::to_string(HIGHEST_COUNT));
     if (variable.isWritten() && !isWritable(variable.kind))
         throw std::invalid_argument("kind \"" + kindName(variable.kind) + "\" cannot be written");
     checkRegisters(variable);

@@ -1,4 +1,4 @@
-// A variable of the panel, as a person describes it.
+// A variable of a panel.
 #pragma once
 
 #include "host/core/variables/formats.h"
@@ -24,7 +24,7 @@ struct Variable {
     bool isWritten() const { return access != Access::READ; }
 };
 
-/// Registers of one area, before the 5000 of the third area is added.
+/// Registers of one area, as counted in the area: without wireOffset.
 struct RegisterSpan {
     int area; ///< AREA_...
     int first;
@@ -32,43 +32,42 @@ struct RegisterSpan {
 };
 
 /// Throws std::invalid_argument unless address, format, count and access fit the kind and every
-/// register has a number on the line.
+/// register has an address on the line.
 void checkVariable(const Variable &variable);
 
-/// What a kind's values are unless said otherwise: bit, u8, u16 or u32.
+/// bit, u8, u16 or u32.
 Format defaultFormat(int kind);
 
-/// The length for the driver, in the kind's units.
+/// The length for the driver, as VAR_ITEM counts it.
 int lengthOf(const Variable &variable);
 
 RegisterSpan registersOf(const Variable &variable);
 
-/// "KIND:ADDRESS[:FORMAT[:COUNT]]", for example "7:100", "holding-word:100:f32/ABCD:2". Throws
-/// std::invalid_argument. The text becomes the variable's name.
+/// Parses "KIND:ADDRESS[:FORMAT[:COUNT]]", for example "7:100" or "holding-word:100:f32/ABCD:2".
+/// The text becomes the variable's name. Throws std::invalid_argument.
 Variable parseVariable(const std::string &text, int station, Access access);
 
-/// "holding word 100"
+/// For example "holding word 100".
 std::string placeOf(const Variable &variable);
 
 std::string textOf(const Variable &variable, const QByteArray &value);
 
-/// Throws std::invalid_argument for a text that is no value of the variable.
+/// Throws std::invalid_argument for a text that is not a value of the variable.
 QByteArray valueOf(const Variable &variable, const std::string &text);
 
-/// What a queued write of the variable is told by: the driver lets a newer write to the same target
-/// take an older one's place.
+/// Identifies a queued write: the driver replaces it by a newer write to the same target.
 struct WriteTarget {
     int station;
-    int firstBit; ///< register on the line x REGISTER_BITS + bit
+    int firstBit; ///< register address on the line x REGISTER_BITS + bit
     int bits;
 
     bool operator<(const WriteTarget &other) const;
 };
 
-/// One for each piece that the driver cuts the write into.
+/// One target for each piece into which the driver cuts a write.
 std::vector<WriteTarget> targetsOf(const Variable &variable, int maxRegs);
 
-/// The items that keep those of the variables up to date that are read.
+/// The items of the variables that are read, for ReCreatReadVarList.
 QList<VAR_ITEM> itemsOf(const std::vector<Variable> &variables);
 
 } // namespace velko
