@@ -1,9 +1,9 @@
 // What no export reaches: helpers that nothing in the library calls, and states that reply handling
 // never brings about.
-#include "driver/modbus_rtu_master.h"
-#include "exchange/result_codes.h"
-#include "driver/variable_kinds.h"
 #include "bytes/Func_Check.h"
+#include "driver/modbus_rtu_master.h"
+#include "driver/variable_kinds.h"
+#include "exchange/result_codes.h"
 #include "lists/Func_Initi.h"
 #include "store/Func_DealData.h"
 

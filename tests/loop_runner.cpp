@@ -139,7 +139,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         {"write", [this](Words &w) { return writeValue(w); }},
         {"writes", [this](Words &) { return events(Event::WRITE); }},
         {"stations", [this](Words &) { return events(Event::STATION); }},
-        {"station", [this](Words &w) { return loop->status().isOn(w.number()) ? "on" : "off"; }},
+        {"station", [this](Words &w) { return loop->status().isOnline(w.number()) ? "online" : "offline"; }},
         {"value", [this](Words &w) { return text(value(qPrintable(w.text()))); }},
         {"stored", [this](Words &w) { return stored(w.text().toStdString()); }},
         {"counters", [this](Words &w) { return countersOf(w.number()); }},

@@ -105,9 +105,9 @@ TEST_F(LoopTest, ADeadStationDoesNotSlowTheOthers)
     turnFor(1000);
     const int usual = requestsTo(1);
     fault("2:silent");
-    ASSERT_TRUE(turnUntil([this] { return !loop->status().isOn(2); }));
-    EXPECT_EQ(taken(Event::STATION), "2 off\n");
-    EXPECT_EQ(value("s2"), "station off 38793: no answer");
+    ASSERT_TRUE(turnUntil([this] { return !loop->status().isOnline(2); }));
+    EXPECT_EQ(taken(Event::STATION), "2 offline\n");
+    EXPECT_EQ(value("s2"), "station offline 38793: no response");
 
     const int before = requestsTo(1);
     const size_t seen = plc->requests().size();
@@ -125,8 +125,8 @@ TEST_F(LoopTest, ADeadStationDoesNotSlowTheOthers)
     EXPECT_GE(probes[2] - probes[1], milliseconds(1000) + cost);
 
     fault("2:none");
-    ASSERT_TRUE(turnUntil([this] { return loop->status().isOn(2); }));
-    EXPECT_EQ(taken(Event::STATION), "2 back\n");
+    ASSERT_TRUE(turnUntil([this] { return loop->status().isOnline(2); }));
+    EXPECT_EQ(taken(Event::STATION), "2 online\n");
     EXPECT_EQ(value("s2"), "good 38793");
 }
 
@@ -178,7 +178,7 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
         ASSERT_TRUE(waitFor([&] { return runner.isIdle(); }));
         EXPECT_EQ(taken(Event::WRITE), isAwaited ? "word=5 failed\nmore=5 failed\nword=6 refused\n"
                                                  : "word=5 done\nmore=5 done\nword=6 refused\n");
-        const std::string missing = name.toStdString() + " not there";
+        const std::string missing = name.toStdString() + " missing";
         ASSERT_TRUE(waitFor(
             [&] { return loop->status().portText().find("no such device") != std::string::npos; }));
         QFile::remove(name);
@@ -187,7 +187,7 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
         EXPECT_EQ(plc->holdingRegisters(2).at(100), 45266); // nothing is carried out later
         EXPECT_EQ(plc->holdingRegisters(2).at(110), 54000);
         const std::string events = taken(Event::PORT);
-        EXPECT_NE(events.find(" lost\n" + missing + "\n" + plc->device().toStdString() + " open\n"),
+        EXPECT_NE(events.find(" disconnected\n" + missing + "\n" + plc->device().toStdString() + " open\n"),
                   std::string::npos)
             << events;
     }

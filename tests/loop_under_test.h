@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/core/line/replies.h"
-#include "host/core/session/link_runner.h"
+#include "host/core/loop/link_runner.h"
 #include "host/plc/simulated_plc.h"
 
 #include <gtest/gtest.h>
@@ -93,7 +93,10 @@ public:
         plc->setFault(parsed.station, parsed.fault);
     }
 
-    bool write(const char *name, const std::string &text) { return loop->write(named(name), text); }
+    bool write(const char *name, const std::string &text)
+    {
+        return loop->write({named(name), text});
+    }
 
     bool writeAll()
     {
@@ -106,8 +109,9 @@ public:
         const ValueState state = loop->status().stateOf(named(name));
         const std::string text =
             state.age ? " " + textOf(named(name), loop->value(named(name))) : "";
-        const std::string refusal = state.refusal.text.empty() ? "" : ": " + state.refusal.text;
-        return nameOf(state.freshness) + text + refusal;
+        const std::string reason =
+            state.lastAttempt.text.empty() ? "" : ": " + state.lastAttempt.text;
+        return nameOf(state.freshness) + text + reason;
     }
 
     StationCounters counters(int station) const
@@ -127,11 +131,11 @@ public:
             }));
     }
 
-    void tell(const Event &event) override
+    void receive(const Event &event) override
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        const std::string value = event.kind == Event::WRITE ? "=" + event.value : "";
-        m_events[event.kind] += event.name + value + " " + event.state + "\n";
+        const std::string value = kindOf(event.state) == Event::WRITE ? "=" + event.value : "";
+        m_events[kindOf(event.state)] += event.name + value + " " + nameOf(event.state) + "\n";
     }
 
     std::string taken(Event::Kind kind)

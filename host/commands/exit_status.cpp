@@ -14,9 +14,9 @@ int exitStatusOf(Verdict::Kind kind)
 
 int exitStatusOf(const Event &write)
 {
-    if (write.state == WRITE_REFUSED && write.cause == Verdict::GOOD)
+    if (write.state == Event::WRITE_REFUSED && write.cause == Verdict::GOOD)
         return EXIT_REFUSED;
-    const bool isBad = write.state == WRITE_REFUSED || write.state == WRITE_FAILED;
+    const bool isBad = write.state == Event::WRITE_REFUSED || write.state == Event::WRITE_FAILED;
     return isBad ? exitStatusOf(write.cause) : EXIT_GOOD;
 }
 

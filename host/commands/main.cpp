@@ -7,6 +7,7 @@
 #include "host/commands/simulate_command.h"
 #include "host/commands/write_command.h"
 #include "host/core/line/port_error.h"
+#include "host/core/links/file_error.h"
 
 #include <QCoreApplication>
 

@@ -101,12 +101,12 @@ void OneShotLoop::readAll()
 
 int OneShotLoop::write(const Variable &variable, const std::string &text)
 {
-    m_loop.write(variable, text);
+    m_loop.write({variable, text});
     run(&OneShotLoop::isWritten);
-    if (m_lastWrite.state == WRITE_DONE)
+    if (m_lastWrite.state == Event::WRITE_DONE)
         return EXIT_GOOD;
     std::fprintf(stderr, "panelhost: %s = %s: %s: %s\n", variable.name.c_str(), text.c_str(),
-                 m_lastWrite.state.c_str(), m_lastWrite.detail.c_str());
+                 nameOf(m_lastWrite.state), m_lastWrite.detail.c_str());
     return exitStatusOf(m_lastWrite);
 }
 
@@ -120,11 +120,11 @@ void OneShotLoop::run(bool (OneShotLoop::*isDone)() const)
     }
 }
 
-void OneShotLoop::tell(const Event &event)
+void OneShotLoop::receive(const Event &event)
 {
-    if (event.kind == Event::WRITE)
+    if (kindOf(event.state) == Event::WRITE)
         m_lastWrite = event;
-    if (event.kind == Event::PORT && event.state == PORT_LOST)
+    if (event.state == Event::PORT_LOST)
         m_portError = event.detail;
 }
 

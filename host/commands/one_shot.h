@@ -47,7 +47,7 @@ public:
 
     const CommunicationLoop &loop() const { return m_loop; }
 
-    void tell(const Event &event) override;
+    void receive(const Event &event) override;
 
 private:
     void run(bool (OneShotLoop::*isDone)() const);

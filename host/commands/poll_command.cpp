@@ -2,6 +2,7 @@
 
 #include "host/commands/exit_status.h"
 #include "host/commands/numbers.h"
+#include "host/core/links/link_file.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/text/numbers.h"
 #include "host/views/json_view.h"
@@ -35,9 +36,9 @@ int statusOf(const Snapshot &snapshot)
         if (row.state.freshness == Freshness::GOOD || !row.variable.isRead())
             continue;
         const bool isNeverRead = row.state.freshness == Freshness::NEVER_READ;
-        status = std::max(
-            status, isNeverRead ? std::max<int>(exitStatusOf(row.state.refusal.kind), EXIT_SILENT)
-                                : exitStatusOf(row.state.refusal.kind));
+        status = std::max(status, isNeverRead ? std::max<int>(
+                                      exitStatusOf(row.state.lastAttempt.kind), EXIT_SILENT)
+                                              : exitStatusOf(row.state.lastAttempt.kind));
     }
     for (const LinkRow &link : snapshot.links)
         if (!link.isOpen)
@@ -161,8 +162,8 @@ void PollCommand::write(const std::string &assignment, PollSession &session, Pol
 void PollCommand::passEvents(PollSession &session, PollView &view)
 {
     for (const Event &event : session.takeEvents()) {
-        view.tell(event);
-        if (event.kind == Event::WRITE)
+        view.report(event);
+        if (kindOf(event.state) == Event::WRITE)
             noteStatus(exitStatusOf(event));
     }
 }

@@ -55,10 +55,10 @@ int ReadCommand::print(const CommunicationLoop &loop, const Variable &variable) 
     const ValueState state = loop.status().stateOf(variable);
     if (state.freshness != Freshness::GOOD) {
         const std::string reason =
-            state.refusal.text.empty() ? nameOf(state.freshness) : state.refusal.text;
+            state.lastAttempt.text.empty() ? nameOf(state.freshness) : state.lastAttempt.text;
         std::fprintf(stderr, "panelhost: station %d, %s: %s\n", variable.station,
                      placeOf(variable).c_str(), reason.c_str());
-        return std::max<int>(exitStatusOf(state.refusal.kind), EXIT_SILENT);
+        return std::max<int>(exitStatusOf(state.lastAttempt.kind), EXIT_SILENT);
     }
     const std::string text = textOf(variable, loop.value(variable));
     if (m_names.empty())

@@ -50,7 +50,7 @@ QJsonObject stationObject(const LinkRow &link, const StationStatus &status)
         exceptions[QString::number(code)] = qint64{count};
     return {{"link", text(link.name)},
             {"station", status.station},
-            {"on", status.isOn},
+            {"online", status.isOnline},
             {"sent", qint64{counters.sent}},
             {"good", qint64{counters.good}},
             {"noReply", qint64{counters.noReply}},
@@ -83,22 +83,22 @@ void JsonView::show(const Snapshot &snapshot)
                            {"state", nameOf(row.state.freshness)}};
         if (row.state.age)
             object["age"] = static_cast<double>(row.state.age->count()) / 1000;
-        if (!row.state.refusal.text.empty())
-            object["reason"] = text(row.state.refusal.text);
+        if (!row.state.lastAttempt.text.empty())
+            object["reason"] = text(row.state.lastAttempt.text);
         print("value", object);
     }
 }
 
-void JsonView::tell(const Event &event)
+void JsonView::report(const Event &event)
 {
     QJsonObject object{
-        {"link", text(event.link)}, {"name", text(event.name)}, {"state", text(event.state)}};
-    if (event.kind == Event::WRITE)
+        {"link", text(event.link)}, {"name", text(event.name)}, {"state", nameOf(event.state)}};
+    if (kindOf(event.state) == Event::WRITE)
         object["value"] = text(event.value);
     if (!event.detail.empty())
         object["reason"] = text(event.detail);
     static const char *const kinds[] = {"write", "station", "port"};
-    print(kinds[event.kind], object);
+    print(kinds[kindOf(event.state)], object);
 }
 
 void JsonView::note(const std::string &message)

@@ -32,7 +32,7 @@ void LinesView::show(const Snapshot &snapshot)
     std::fflush(stdout);
 }
 
-void LinesView::tell(const Event &event)
+void LinesView::report(const Event &event)
 {
     note(textOf(event));
 }

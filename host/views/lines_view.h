@@ -15,7 +15,7 @@ class LinesView : public PollView
 {
 public:
     void show(const Snapshot &snapshot) override;
-    void tell(const Event &event) override;
+    void report(const Event &event) override;
     void note(const std::string &text) override;
     void finish(const Snapshot &snapshot) override;
 

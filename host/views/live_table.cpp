@@ -71,7 +71,7 @@ void LiveTable::restoreTerminal()
         ::tcflush(STDIN_FILENO, TCIFLUSH); // the shell must not get a line that was half typed
 }
 
-void LiveTable::tell(const Event &event)
+void LiveTable::report(const Event &event)
 {
     note(textOf(event));
 }

@@ -18,7 +18,7 @@ public:
     ~LiveTable() override;
 
     void show(const Snapshot &snapshot) override;
-    void tell(const Event &event) override;
+    void report(const Event &event) override;
     void note(const std::string &text) override;
     void leave() override;
     void finish(const Snapshot &snapshot) override;

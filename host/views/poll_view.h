@@ -16,7 +16,7 @@ public:
 
     /// Called several times a second.
     virtual void show(const Snapshot &snapshot) = 0;
-    virtual void tell(const Event &event) = 0;
+    virtual void report(const Event &event) = 0;
     /// Shows what is neither a value nor an event: a reload, a line that was not understood.
     virtual void note(const std::string &text) = 0;
     /// Ends the calls of show. The exchanges that have begun still end, and their events follow.

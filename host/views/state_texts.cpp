@@ -10,7 +10,7 @@ namespace velko
 bool isTried(const ValueRow &row)
 {
     return row.state.freshness != Freshness::NEVER_READ
-           || row.state.refusal.kind != Verdict::NOT_SENT;
+           || row.state.lastAttempt.kind != Verdict::NOT_SENT;
 }
 
 std::string ageText(const ValueState &state)
@@ -21,9 +21,9 @@ std::string ageText(const ValueState &state)
 std::string stateText(const ValueState &state)
 {
     const std::string name = nameOf(state.freshness);
-    return state.freshness == Freshness::GOOD || state.refusal.text.empty()
+    return state.freshness == Freshness::GOOD || state.lastAttempt.text.empty()
                ? name
-               : name + ": " + state.refusal.text;
+               : name + ": " + state.lastAttempt.text;
 }
 
 std::string timeText()
@@ -34,13 +34,13 @@ std::string timeText()
 std::string textOf(const Event &event)
 {
     const std::string detail = event.detail.empty() ? "" : ": " + event.detail;
-    switch (event.kind) {
+    switch (kindOf(event.state)) {
     case Event::WRITE:
-        return event.name + " = " + event.value + ": " + event.state + detail;
+        return event.name + " = " + event.value + ": " + nameOf(event.state) + detail;
     case Event::STATION:
-        return event.link + ", station " + event.name + ": " + event.state + detail;
+        return event.link + ", station " + event.name + ": " + nameOf(event.state) + detail;
     default:
-        return event.link + ", port " + event.name + ": " + event.state + detail;
+        return event.link + ", port " + event.name + ": " + nameOf(event.state) + detail;
     }
 }
 

@@ -18,7 +18,7 @@ const size_t WIDEST = 1000; // characters: no line is cut
 TextTable::Row rowOf(const StationStatus &status)
 {
     const StationCounters &counters = status.counters;
-    TextTable::Row row = {std::to_string(status.station), status.isOn ? "online" : "offline"};
+    TextTable::Row row = {std::to_string(status.station), status.isOnline ? "online" : "offline"};
     for (const StationCounters::Count count :
          {counters.sent, counters.good, counters.noReply, counters.badCrc, counters.wrongLength,
           counters.retries, counters.givenUp})
@@ -58,12 +58,12 @@ std::string sentenceOn(const std::string &station, const StationStatus &status)
     std::string text = station + " sent " + std::to_string(counters.good) + " good responses to "
                        + std::to_string(counters.sent) + " requests, mean response time "
                        + thousandths(counters.meanResponse().count()) + " ms.";
-    if (status.timesOff == 0)
+    if (status.timesOffline == 0)
         return text;
-    const auto time = std::chrono::duration_cast<milliseconds>(status.timeOff).count();
-    return text + " It was offline " + std::to_string(status.timesOff)
-           + (status.timesOff == 1 ? " time, " : " times, ") + thousandths(time) + " s in total"
-           + (status.isOn ? ", and is online again." : ", and is still offline.");
+    const auto time = std::chrono::duration_cast<milliseconds>(status.timeOffline).count();
+    return text + " It was offline " + std::to_string(status.timesOffline)
+           + (status.timesOffline == 1 ? " time, " : " times, ") + thousandths(time) + " s in total"
+           + (status.isOnline ? ", and is online again." : ", and is still offline.");
 }
 
 std::string sentenceOn(const std::vector<ValueRow> &rows)

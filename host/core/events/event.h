@@ -1,4 +1,4 @@
-// What a person wants to be told, besides values.
+// What a link reports besides values: results of writes, stations and the port.
 #pragma once
 
 #include "host/core/events/verdict.h"
@@ -11,34 +11,41 @@ namespace velko
 struct Event {
     enum Kind { WRITE, STATION, PORT };
 
-    Kind kind = WRITE;
+    enum State {
+        WRITE_DONE,
+        WRITE_FAILED,
+        WRITE_QUEUED_AGAIN,
+        WRITE_SUPERSEDED,
+        WRITE_REFUSED,
+        STATION_OFFLINE,
+        STATION_ONLINE,
+        PORT_OPEN,
+        PORT_LOST,
+        PORT_MISSING
+    };
+
+    State state = WRITE_DONE;
     std::string link;
-    std::string name;                    ///< the variable, the station's number or the device
-    std::string state;                   ///< see below
-    std::string value;                   ///< of a write
-    std::string detail;                  ///< the reason, or what happens now
-    Verdict::Kind cause = Verdict::GOOD; ///< of a write that failed, or was refused for that
-                                         ///< reason; GOOD where the write itself was the reason
+    std::string name;   ///< the variable, the station's number or the device
+    std::string value;  ///< of a write, as it was given
+    std::string detail; ///< the reason, or what happens next
+    /// Of a write that failed, or that was refused because of the line. GOOD if the write itself was
+    /// the reason.
+    Verdict::Kind cause = Verdict::GOOD;
+    int write = 0; ///< number of the write, as LinkSession returned it
 };
 
-// Event::state
-const char *const WRITE_DONE = "done";
-const char *const WRITE_FAILED = "failed";
-const char *const WRITE_OFFERED_AGAIN = "offered again";
-const char *const WRITE_SUPERSEDED = "superseded";
-const char *const WRITE_REFUSED = "refused";
-const char *const STATION_WENT_OFF = "off";
-const char *const STATION_CAME_BACK = "back";
-const char *const PORT_OPEN = "open";
-const char *const PORT_LOST = "lost";
-const char *const PORT_MISSING = "not there";
+Event::Kind kindOf(Event::State state);
 
-/// Told on the communication thread.
+/// "done", "failed", "queued again", "offline" and so on: short, and stable for scripts.
+const char *nameOf(Event::State state);
+
+/// Receives a link's events on its communication thread. An implementation returns quickly.
 class EventSink
 {
 public:
     virtual ~EventSink() = default;
-    virtual void tell(const Event &event) = 0;
+    virtual void receive(const Event &event) = 0;
 };
 
 } // namespace velko

@@ -1,9 +1,9 @@
-// When every request of the cyclic list has had its turn. ComInfo's cycleDone cannot tell: on a line
-// that loses an answer now and then it may never come true.
+// Counts cycles: every request of the cyclic list has had its turn. ComInfo's cycleDone may never become
+// 1 on a line that loses a response now and then.
 #pragma once
 
 #include "host/core/plan/request_planner.h"
-#include "host/core/stations/station_watch.h"
+#include "host/core/stations/station_states.h"
 
 #include <set>
 #include <tuple>
@@ -14,12 +14,12 @@ namespace velko
 class CycleCounter
 {
 public:
-    /// Begins anew with these requests.
+    /// Begins a cycle of these requests.
     void load(const std::vector<PlannedRequest> &plan);
 
-    /// A request was answered or given up. True when that ends a pass: all others to stations that
-    /// are on had their turn. The next pass begins then.
-    bool ended(const RW_VAR &request, const StationWatch &stations);
+    /// A request was answered or given up. True if that ends the cycle: all others to stations that are
+    /// online have had their turn. The next cycle begins then.
+    bool ended(const RW_VAR &request, const StationStates &stations);
 
 private:
     using Key = std::tuple<int, int, int, int>; // station, area, register, count

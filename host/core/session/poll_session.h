@@ -1,54 +1,49 @@
-// Links that run, and what they report: gathered for a view on the main thread.
+// The links of a file, and their events gathered for one reader.
 #pragma once
 
-#include "host/core/links/link_file.h"
-#include "host/core/session/link_runner.h"
-#include "host/core/session/snapshot.h"
+#include "host/core/session/link_session.h"
 
 namespace velko
 {
 
+/// Any thread may call; start(), stop() and reload() one at a time.
 class PollSession : public EventSink
 {
 public:
     /// `taps` are the caller's and outlive the session. Throws std::runtime_error.
-    PollSession(const std::string &library, const std::vector<Link> &links,
+    PollSession(const std::string &libraryFile, const std::vector<Link> &links,
                 const std::vector<LineTap *> &taps);
 
     /// Throws PortError.
     void start();
 
-    /// Afterwards takeEvents has the last events.
+    /// Afterwards takeEvents() has the last events.
     void stop();
 
-    /// Other variables and settings for the same links. Throws std::runtime_error, with nothing
-    /// changed.
+    /// Replaces the variables and settings of the same links. Throws std::runtime_error with nothing
+    /// changed if the links are not the same.
     void reload(const std::vector<Link> &links);
 
-    /// "NAME=VALUE". Its fate comes as an event, or is returned here: a name that no variable has.
+    /// "NAME=VALUE". Returns why it is refused; otherwise an empty text, and the result comes as an
+    /// event.
     std::string write(const std::string &assignment);
 
-    /// Every link has been through its list so often.
+    /// Every link that is read has completed at least `times` cycles.
     bool haveCycled(int times) const;
-    /// No write is under way.
+    /// The results of all writes are known.
     bool isIdle() const;
 
     Snapshot snapshot() const;
+    /// Events since the last call, oldest first.
     std::vector<Event> takeEvents();
 
-    void tell(const Event &event) override;
+    /// Of the links, on their threads.
+    void receive(const Event &event) override;
 
 private:
-    struct Running {
-        Link link;
-        std::unique_ptr<CommunicationLoop> loop;
-        std::unique_ptr<LinkRunner> runner; // stops before its loop goes
-    };
-
-    RequestPlanner m_planner;
     std::mutex m_mutex; // guards m_events
     std::vector<Event> m_events;
-    std::vector<Running> m_links;
+    std::vector<std::unique_ptr<LinkSession>> m_links;
 };
 
 } // namespace velko

@@ -1,8 +1,7 @@
-// The state of all links at one moment.
+// What a link shows of itself at one moment.
 #pragma once
 
 #include "host/core/status/link_status.h"
-#include "host/core/variables/variable.h"
 
 #include <cstdint>
 #include <string>
@@ -19,7 +18,7 @@ struct ValueRow {
 
 struct LinkRow {
     std::string name;
-    std::string port; ///< the device, or the reason why there is none
+    std::string port; ///< the device, or why there is none
     bool isOpen;
     std::int64_t cycles;
     std::vector<StationStatus> stations;

@@ -14,8 +14,8 @@ const char *nameOf(Freshness freshness)
         return "good";
     case Freshness::STALE:
         return "stale";
-    case Freshness::STATION_OFF:
-        return "station off";
+    case Freshness::STATION_OFFLINE:
+        return "station offline";
     default:
         return "never read";
     }
@@ -26,21 +26,6 @@ void LinkStatus::setPort(bool isOpen, const std::string &text)
     const Lock lock(m_mutex);
     m_isPortOpen = isOpen;
     m_portText = text;
-}
-
-void LinkStatus::setOn(int station, bool isOn)
-{
-    const Lock lock(m_mutex);
-    StationStatus &status = m_stations[station];
-    if (status.isOn == isOn)
-        return;
-    status.isOn = isOn;
-    if (isOn) {
-        status.timeOff += Clock::now() - m_offSince[station];
-    } else {
-        ++status.timesOff;
-        m_offSince[station] = Clock::now();
-    }
 }
 
 void LinkStatus::setStaleAfter(milliseconds age)
@@ -58,7 +43,7 @@ void LinkStatus::setWriting(const std::vector<Variable> &variables)
 void LinkStatus::count(int station, const Verdict &verdict, const Exchange &exchange)
 {
     const Lock lock(m_mutex);
-    m_stations[station].counters.count(verdict, exchange);
+    m_counters[station].count(verdict, exchange);
 }
 
 void LinkStatus::readEnded(int station, const RegisterSpan &span, const Verdict &verdict)
@@ -67,7 +52,7 @@ void LinkStatus::readEnded(int station, const RegisterSpan &span, const Verdict 
     if (verdict.kind == Verdict::GOOD)
         m_registers.good(station, span);
     else
-        m_registers.refused(station, span, verdict);
+        m_registers.failed(station, span, verdict);
 }
 
 void LinkStatus::cycleEnded()
@@ -80,24 +65,27 @@ ValueState LinkStatus::stateOf(const Variable &variable) const
 {
     const Lock lock(m_mutex);
     const RegisterState registers = m_registers.stateOf(variable);
-    const auto station = m_stations.find(variable.station);
     ValueState state;
-    state.refusal = registers.refusal;
+    state.lastAttempt = registers.lastAttempt;
     if (registers.lastGood)
         state.age = std::chrono::duration_cast<milliseconds>(Clock::now() - *registers.lastGood);
-    if (station != m_stations.end() && !station->second.isOn)
-        state.freshness = Freshness::STATION_OFF;
-    else if (!state.age)
-        state.freshness = Freshness::NEVER_READ;
-    else if (state.refusal.kind != Verdict::GOOD || *state.age > m_staleAfter || !m_isPortOpen)
-        state.freshness = Freshness::STALE;
-    else
-        state.freshness = Freshness::GOOD;
+    state.freshness = freshnessOf(variable, state);
     if (state.freshness == Freshness::GOOD && isWriting(variable)) {
         state.freshness = Freshness::STALE;
-        state.refusal = {Verdict::NOT_SENT, 0, false, "a write is under way"};
+        state.lastAttempt = Verdict(Verdict::NOT_SENT, "a write is in progress");
     }
     return state;
+}
+
+Freshness LinkStatus::freshnessOf(const Variable &variable, const ValueState &state) const
+{
+    if (!m_stationStates.isOnline(variable.station))
+        return Freshness::STATION_OFFLINE;
+    if (!state.age)
+        return Freshness::NEVER_READ;
+    const bool isFailed = state.lastAttempt.kind != Verdict::GOOD;
+    return isFailed || *state.age > m_staleAfter || !m_isPortOpen ? Freshness::STALE
+                                                                  : Freshness::GOOD;
 }
 
 bool LinkStatus::isWriting(const Variable &variable) const
@@ -114,20 +102,12 @@ std::vector<StationStatus> LinkStatus::stations() const
 {
     const Lock lock(m_mutex);
     std::vector<StationStatus> stations;
-    for (const auto &[number, status] : m_stations) {
-        stations.push_back(status);
-        stations.back().station = number;
-        if (!status.isOn)
-            stations.back().timeOff += Clock::now() - m_offSince.at(number);
+    for (const auto &[number, counters] : m_counters) {
+        const StationAbsence absence = m_stationStates.absenceOf(number);
+        stations.push_back(
+            {number, m_stationStates.isOnline(number), absence.times, absence.time, counters});
     }
     return stations;
-}
-
-bool LinkStatus::isOn(int station) const
-{
-    const Lock lock(m_mutex);
-    const auto place = m_stations.find(station);
-    return place == m_stations.end() || place->second.isOn;
 }
 
 bool LinkStatus::isPortOpen() const

@@ -8,7 +8,9 @@ namespace
 
 int rank(const RegisterState &state)
 {
-    return !state.lastGood ? 0 : state.refusal.kind != Verdict::GOOD ? 1 : 2;
+    if (!state.lastGood)
+        return 0;
+    return state.lastAttempt.kind == Verdict::GOOD ? 2 : 1;
 }
 
 bool isWorse(const RegisterState &one, const RegisterState &other)
@@ -22,15 +24,15 @@ bool isWorse(const RegisterState &one, const RegisterState &other)
 
 void RegisterStates::good(int station, const RegisterSpan &span)
 {
-    const RegisterState state{Clock::now(), {Verdict::GOOD, 0, false, std::string()}};
+    const RegisterState state{Clock::now(), Verdict(Verdict::GOOD)};
     for (int number = span.first; number <= span.last; ++number)
         m_states[{station, span.area, number}] = state;
 }
 
-void RegisterStates::refused(int station, const RegisterSpan &span, const Verdict &verdict)
+void RegisterStates::failed(int station, const RegisterSpan &span, const Verdict &verdict)
 {
     for (int number = span.first; number <= span.last; ++number)
-        m_states[{station, span.area, number}].refusal = verdict;
+        m_states[{station, span.area, number}].lastAttempt = verdict;
 }
 
 RegisterState RegisterStates::stateOf(const Variable &variable) const

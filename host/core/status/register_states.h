@@ -1,5 +1,5 @@
-// When each register was read, and why it could not be: the store alone cannot tell a 0 that was read
-// from one that never was.
+// When each register was last read, and why the latest attempt failed. The store cannot tell a 0 that
+// was read from a register that was never read.
 #pragma once
 
 #include "host/core/events/verdict.h"
@@ -15,17 +15,17 @@ namespace velko
 
 struct RegisterState {
     std::optional<Clock::time_point> lastGood;
-    Verdict refusal; ///< of the latest attempt; GOOD when that was good
+    Verdict lastAttempt; ///< GOOD if it succeeded, NOT_SENT if none was made
 };
 
 class RegisterStates
 {
 public:
     void good(int station, const RegisterSpan &span);
-    void refused(int station, const RegisterSpan &span, const Verdict &verdict);
+    void failed(int station, const RegisterSpan &span, const Verdict &verdict);
 
-    /// The worst of the variable's registers: one that was never read, else one whose latest attempt
-    /// failed, else the one that was read longest ago.
+    /// The worst of the variable's registers: one that was never read, otherwise one whose latest
+    /// attempt failed, otherwise the one that was read longest ago.
     RegisterState stateOf(const Variable &variable) const;
 
 private:

@@ -1,5 +1,5 @@
-// What the driver's callbacks report. They carry no pointer of the host's, but they run on the
-// communication thread: each such thread has a collection of its own.
+// Collects what the driver's callbacks report. They carry no pointer of the host's, but they run on the
+// communication thread, so each such thread has a collection of its own.
 #pragma once
 
 #include "host/core/loading/driver_library.h"
@@ -15,10 +15,10 @@ struct RequestReport {
     int status; ///< REQUEST_DONE or REQUEST_GIVEN_UP
 };
 
-/// From now on the driver's reports are collected.
+/// Collects the reports of this driver from now on.
 void collectReports(const DriverLibrary &driver);
 
-/// What was reported on this thread since the last call, oldest first.
+/// Reports on this thread since the last call, oldest first.
 std::vector<RequestReport> takeReports();
 
 } // namespace velko

@@ -8,10 +8,14 @@
 #include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
 
 namespace velko
 {
 
+/// Any thread may call, one at a time for start() and stop().
 class LinkRunner
 {
 public:
@@ -24,28 +28,29 @@ public:
     LinkRunner(const LinkRunner &) = delete;
     LinkRunner &operator=(const LinkRunner &) = delete;
 
-    /// Opens the port and begins. Returns when the port is open; throws PortError when it cannot be
-    /// opened, and nothing runs then.
+    /// Starts the thread and returns when the port is open. Throws PortError if it cannot be opened;
+    /// nothing runs then.
     void start();
 
-    /// Ends after the exchange that is under way.
+    /// Ends after the exchange in progress.
     void stop();
 
-    /// Something to be done on the communication thread between two turns.
+    /// Carries out an order on the communication thread, between two turns.
     void post(const Order &order);
 
-    /// Every order was carried out, and the fate of every write is known.
+    /// Every order was carried out, and the results of all writes are known.
     bool isIdle() const;
 
 private:
     void run();
     bool openFirst();
-    void reopen();
+    bool beginTurn();
+    void turn();
     void takeOrders();
     void pause(milliseconds time);
 
     CommunicationLoop &m_loop;
-    std::unique_ptr<QThread> m_thread; // QSerialPort wants one of Qt's
+    std::unique_ptr<QThread> m_thread; // QSerialPort needs one of Qt's
 
     mutable std::mutex m_mutex; // guards all below
     std::condition_variable m_changed;
@@ -54,8 +59,6 @@ private:
     bool m_isIdle = false;
     bool m_isOpened = false;
     std::string m_openError;
-
-    GrowingPause m_reopenPauses; // the communication thread's
 };
 
 } // namespace velko

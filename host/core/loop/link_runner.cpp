@@ -1,4 +1,4 @@
-#include "host/core/session/link_runner.h"
+#include "host/core/loop/link_runner.h"
 
 #include "host/core/line/port_error.h"
 
@@ -13,11 +13,7 @@ const milliseconds IDLE_PAUSE(1);
 
 } // namespace
 
-LinkRunner::LinkRunner(CommunicationLoop &loop)
-    : m_loop(loop),
-      m_reopenPauses(milliseconds(100), milliseconds(200), milliseconds(5000))
-{
-}
+LinkRunner::LinkRunner(CommunicationLoop &loop) : m_loop(loop) {}
 
 LinkRunner::~LinkRunner()
 {
@@ -65,23 +61,31 @@ void LinkRunner::run()
 {
     if (!openFirst())
         return;
-    for (;;) {
-        takeOrders();
-        {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            if (m_isStopping)
-                break;
-            m_isIdle = m_orders.empty() && !m_loop.hasPendingWrites();
-        }
-        if (!m_loop.isOpen())
-            reopen();
-        else if (!m_loop.turn())
-            pause(IDLE_PAUSE);
-    }
+    while (beginTurn())
+        turn();
     m_loop.close("the program ended first"); // on the thread that opened it
 }
 
-// A wrong name is told at once; only a port that was there is waited for.
+bool LinkRunner::beginTurn()
+{
+    takeOrders();
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_isIdle = m_orders.empty() && !m_loop.hasPendingWrites();
+    return !m_isStopping;
+}
+
+void LinkRunner::turn()
+{
+    if (m_loop.isOpen()) {
+        if (!m_loop.turn())
+            pause(IDLE_PAUSE);
+        return;
+    }
+    if (const std::optional<milliseconds> time = m_loop.reopen())
+        pause(*time);
+}
+
+// A wrong name is reported at once; only a port that was there before is waited for.
 bool LinkRunner::openFirst()
 {
     std::string error;
@@ -95,16 +99,6 @@ bool LinkRunner::openFirst()
     m_openError = error;
     m_changed.notify_all();
     return m_isOpened;
-}
-
-void LinkRunner::reopen()
-{
-    try {
-        m_loop.open();
-        m_reopenPauses.restart();
-    } catch (const PortError &) {
-        pause(m_reopenPauses.next());
-    }
 }
 
 void LinkRunner::takeOrders()

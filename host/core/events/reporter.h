@@ -1,0 +1,36 @@
+// Events of one link, on their way to whoever wants to know.
+#pragma once
+
+#include "host/core/events/event.h"
+
+namespace velko
+{
+
+/// Adds the link's name. Communication thread.
+class Reporter
+{
+public:
+    /// The sink is the caller's and outlives this.
+    Reporter(const std::string &link, EventSink &sink) : m_link(link), m_sink(sink) {}
+
+    void report(Event event) const
+    {
+        event.link = m_link;
+        m_sink.receive(event);
+    }
+
+    void report(Event::State state, const std::string &name, const std::string &detail) const
+    {
+        Event event;
+        event.state = state;
+        event.name = name;
+        event.detail = detail;
+        report(event);
+    }
+
+private:
+    std::string m_link;
+    EventSink &m_sink;
+};
+
+} // namespace velko

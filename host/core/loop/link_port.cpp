@@ -1,0 +1,70 @@
+#include "host/core/loop/link_port.h"
+
+#include "host/core/line/port_error.h"
+#include "host/core/text/joined.h"
+
+namespace velko
+{
+
+LinkPort::LinkPort(const LineTaps &taps, const Reporter &reporter, LinkStatus &status)
+    : m_taps(taps),
+      m_reporter(reporter),
+      m_status(status),
+      m_pauses(milliseconds(100), milliseconds(200), milliseconds(5000))
+{
+}
+
+bool LinkPort::setSettings(const LineSettings &settings)
+{
+    if (settings == m_settings)
+        return false;
+    m_settings = settings;
+    m_adapter = AdapterIdentity();
+    return isOpen();
+}
+
+void LinkPort::open()
+{
+    try {
+        m_line = std::make_unique<SerialLine>(m_settings, m_taps, m_adapter);
+    } catch (const PortError &error) {
+        if (m_status.portText() != error.what())
+            m_reporter.report(Event::PORT_MISSING, joined(m_settings.devices), error.what());
+        m_status.setPort(false, error.what());
+        throw;
+    }
+    m_adapter = identityOf(m_line->device());
+    m_pauses.restart();
+    m_status.setPort(true, m_line->device());
+    m_reporter.report(Event::PORT_OPEN, m_line->device(), std::string());
+}
+
+std::optional<milliseconds> LinkPort::reopen()
+{
+    try {
+        open();
+        return std::nullopt;
+    } catch (const PortError &) {
+        return m_pauses.next();
+    }
+}
+
+void LinkPort::lose(const std::string &why)
+{
+    const std::string device = m_line->device();
+    close(why);
+    m_reporter.report(Event::PORT_LOST, device, why);
+}
+
+void LinkPort::close(const std::string &why)
+{
+    m_line.reset();
+    m_status.setPort(false, why);
+}
+
+Exchange LinkPort::exchange(const Protocol &request)
+{
+    return m_line->exchange(request.frame, request.replyLen);
+}
+
+} // namespace velko

@@ -1,0 +1,103 @@
+#include "host/core/loop/station_watch.h"
+
+#include <algorithm>
+
+namespace velko
+{
+
+namespace
+{
+
+std::string secondsText(Clock::duration duration)
+{
+    const auto tenths = std::chrono::duration_cast<milliseconds>(duration).count() / 100;
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " s";
+}
+
+} // namespace
+
+StationWatch::StationWatch(DriverLink &driver, StationStates &states, const Reporter &reporter)
+    : m_driver(driver),
+      m_states(states),
+      m_reporter(reporter)
+{
+}
+
+void StationWatch::load(const Link &link)
+{
+    m_stations = link.stations();
+    m_variables = link.variables;
+    m_states.restartProbes();
+    m_states.keepOnly(m_stations);
+}
+
+bool StationWatch::isInLink(int station) const
+{
+    return std::binary_search(m_stations.begin(), m_stations.end(), station);
+}
+
+void StationWatch::beginTurn(bool mayProbe)
+{
+    m_states.endClearing(m_driver.queuedWrites() == 0);
+    if (!mayProbe)
+        return;
+    if (const std::optional<int> station = m_states.beginProbe())
+        probe(*station);
+}
+
+// A probe is the station's next request, in its turn: if it were brought forward, the order of the other
+// requests would change. Only a station without cyclic reads needs a request of its own.
+void StationWatch::probe(int station)
+{
+    const auto isThere = [station](const Variable &variable) {
+        return variable.station == station;
+    };
+    const auto isReadThere = [&](const Variable &variable) {
+        return isThere(variable) && variable.isRead();
+    };
+    if (std::any_of(m_variables.begin(), m_variables.end(), isReadThere))
+        return;
+    const auto variable = std::find_if(m_variables.begin(), m_variables.end(), isThere);
+    if (variable != m_variables.end())
+        m_driver.readOnce(*variable);
+}
+
+void StationWatch::exchangeEnded(int station, const Verdict &verdict, bool isQuiet)
+{
+    m_wasHeard = m_wasHeard || !isQuiet || verdict.kind != Verdict::NO_REPLY;
+    const StationStates::State state = m_states.state(station);
+    if (state == StationStates::PROBING)
+        probeEnded(station, verdict);
+    else if (state == StationStates::ONLINE)
+        watchSilence(station, verdict);
+}
+
+void StationWatch::probeEnded(int station, const Verdict &verdict)
+{
+    if (verdict.kind == Verdict::NO_REPLY) {
+        m_states.probeFailed(station);
+        return;
+    }
+    const Clock::duration absence = m_states.probeSucceeded(station);
+    m_reporter.report(Event::STATION_ONLINE, std::to_string(station),
+                      "it responds again after " + secondsText(absence));
+}
+
+// Any byte in any try is a sign of life, noise and foreign frames included.
+void StationWatch::watchSilence(int station, const Verdict &verdict)
+{
+    if (verdict.kind != Verdict::NO_REPLY || verdict.repeats || m_wasHeard || !isInLink(station))
+        return;
+    m_states.beginClearing(station, m_driver.queuedWrites());
+    m_reporter.report(Event::STATION_OFFLINE, std::to_string(station),
+                      "no response; it is probed at growing intervals, the others are polled on");
+}
+
+void StationWatch::requestEnded(const RW_VAR &request)
+{
+    m_wasHeard = false;
+    if (request.ownerTag >= 0)
+        m_states.writeEnded();
+}
+
+} // namespace velko

@@ -1,0 +1,84 @@
+#include "host/core/session/link_session.h"
+
+#include "host/core/plan/request_planner.h"
+
+#include <algorithm>
+
+namespace velko
+{
+
+using Lock = std::lock_guard<std::mutex>;
+
+namespace
+{
+
+ValueRow rowOf(const Variable &variable, const CommunicationLoop &loop)
+{
+    // The state first: the value may be newer than its state, never older.
+    const ValueState state = loop.status().stateOf(variable);
+    return {variable, state.age ? textOf(variable, loop.value(variable)) : "-", state};
+}
+
+} // namespace
+
+LinkSession::LinkSession(const std::string &libraryFile, const Link &link,
+                         const std::vector<LineTap *> &taps, EventSink &sink)
+    : m_libraryFile(libraryFile),
+      m_loop(libraryFile, link, RequestPlanner(libraryFile).plan(link), taps, sink),
+      m_runner(m_loop),
+      m_link(std::make_shared<const Link>(link))
+{
+}
+
+void LinkSession::start()
+{
+    m_runner.start();
+}
+
+void LinkSession::stop()
+{
+    m_runner.stop();
+}
+
+void LinkSession::reload(const Link &link)
+{
+    const std::vector<PlannedRequest> plan = RequestPlanner(m_libraryFile).plan(link);
+    const auto kept = std::make_shared<const Link>(link);
+    const Lock lock(m_mutex); // writes that come after it see the new variables
+    m_link = kept;
+    m_runner.post([kept, plan](CommunicationLoop &loop) { loop.load(*kept, plan); });
+}
+
+int LinkSession::write(const std::string &variable, const std::string &text)
+{
+    const Lock lock(m_mutex);
+    const std::vector<Variable> &variables = m_link->variables;
+    const auto place =
+        std::find_if(variables.begin(), variables.end(),
+                     [&](const Variable &candidate) { return candidate.name == variable; });
+    if (place == variables.end())
+        return 0;
+    const WriteOrder order{*place, text, ++m_lastWrite};
+    m_runner.post([order](CommunicationLoop &loop) { loop.write(order); });
+    return order.number;
+}
+
+Snapshot LinkSession::snapshot() const
+{
+    const std::shared_ptr<const Link> shown = link();
+    const LinkStatus &status = m_loop.status();
+    Snapshot snapshot;
+    snapshot.links.push_back(
+        {shown->name, status.portText(), status.isPortOpen(), status.cycles(), status.stations()});
+    for (const Variable &variable : shown->variables)
+        snapshot.values.push_back(rowOf(variable, m_loop));
+    return snapshot;
+}
+
+std::shared_ptr<const Link> LinkSession::link() const
+{
+    const Lock lock(m_mutex);
+    return m_link;
+}
+
+} // namespace velko
