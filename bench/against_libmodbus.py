@@ -68,8 +68,8 @@ def report_rates(options):
     samples, cycles = (1, 1000) if options.brief else (3 * options.samples, 4000)
     for registers, noun in ((1, "register"), (32, "registers"), (125, "registers")):
         ours, peer = measurement.in_turn(
-            samples, *(functools.partial(rate, options, master, registers, cycles)
-                               for master in (driver, libmodbus)))
+            samples,
+            *(functools.partial(rate, options, master, registers, cycles) for master in (driver, libmodbus)))
         measurement.report(f"line-rate-{registers}", f"exchanges per second, {registers} {noun}", "1/s",
                            ours, peer, "libmodbus")
 
@@ -146,7 +146,8 @@ def report_exchanges(options):
             *(functools.partial(instructions_per_exchange, options, master, registers)
               for master in (driver, libmodbus)))
         measurement.report(f"line-exchange-{registers}",
-                           f"one exchange of {registers} {noun} and GetRegisterData", "instructions", ours, peer, "libmodbus")
+                           f"one exchange of {registers} {noun} and GetRegisterData", "instructions",
+                           ours, peer, "libmodbus")
 
 
 def report_counts(options):

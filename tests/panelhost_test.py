@@ -197,7 +197,8 @@ class PanelhostTest(unittest.TestCase):
     def test_plan(self):
         content = self.link(
             "/dev/x", 'name = "a"\nkind = "holding word"\naddress = 10',
-            'name = "b"\nkind = "holding word"\naddress = 70', 'name = "c"\nstation = 2\nkind = "input word"\naddress = 0',
+            'name = "b"\nkind = "holding word"\naddress = 70',
+            'name = "c"\nstation = 2\nkind = "input word"\naddress = 0',
             'name = "d"\nkind = "holding 5000 word"\naddress = 1\naccess = "write"', settings="baud = 9600")
         result = run("plan", self.file(content))
         self.assert_ends(result, 0)
@@ -244,7 +245,8 @@ class PanelhostTest(unittest.TestCase):
                              + second.replace('"l"', '"m"'))
             result = run("poll", path, "--cycles", "3", "--set", "a=1", "--set", "none=1")
             self.assert_ends(result, 6, "a = 41359  (good)", "b = 38536  (good)", "2 of 2 values are good.",
-                             "Link l, station 1 sent", "Link m, station 2 sent", "a = 1: refused: it is read only", "none=1: refused: there is no variable")
+                             "Link l, station 1 sent", "Link m, station 2 sent",
+                             "a = 1: refused: it is read only", "none=1: refused: there is no variable")
 
     def test_capture_and_trace(self):
         capture = os.path.join(self.folder.name, "x.pcap")
