@@ -1,10 +1,10 @@
 #!/usr/bin/python3
-"""The driver against libmodbus, each in a small master of its own (masters/), on the same simulated PLC
-whose line takes no time.
+"""Compares the driver with libmodbus, each in its own small master (masters/), on the same simulated PLC. The
+line has no transmission time.
 
-Prints a JSON object a line: exchanges per second; system calls of an exchange; processor time and
-instructions for a variable that is read. Start-up is in none of the figures: the pace is taken from what
-the PLC saw, the others are differences of a longer run and a shorter one.
+Prints one JSON object per line: exchanges per second; system calls per exchange; processor time and
+instructions per variable. The figures do not include start-up: the rate is computed from the times that the
+PLC recorded, the other figures are differences between a longer run and a shorter one.
 """
 import functools
 import pathlib
@@ -12,7 +12,7 @@ import resource
 import sys
 import tempfile
 
-sys.dont_write_bytecode = True  # no folder of compiled files in the tree
+sys.dont_write_bytecode = True  # keep __pycache__ out of the source tree
 import measurement
 from counting import counted
 from simulated_line import SimulatedLine, run
@@ -20,7 +20,7 @@ from simulated_line import SimulatedLine, run
 VARIABLES = 1000
 SEED = 1  # a set that fits into the registers of the simulated PLC
 
-ONE_EACH = "libmodbus, a call for each"
+ONE_EACH = "libmodbus, one call each"
 GROUPED = "libmodbus, grouped by hand"
 
 POLL_FILE = """[[link]]
@@ -58,13 +58,13 @@ def rate(options, master, registers, cycles):
     with SimulatedLine(options.panelhost) as line:
         run(master(options, line.device, "--registers", registers, "--cycles", cycles))
     if len(line.capture.arrivals()) != cycles:
-        raise RuntimeError(f"the PLC saw {len(line.capture.arrivals())} requests of {cycles}")
+        raise RuntimeError(f"the PLC received {len(line.capture.arrivals())} of {cycles} requests")
     return 1 / line.capture.period(registers)
 
 
 def report_rates(options):
-    # The pace swings with the processors that the system chooses for master and PLC: more and shorter samples
-    # than of the rest.
+    # The rate varies with the processors on which the system runs master and PLC: take more and shorter samples
+    # than for the other figures.
     samples, cycles = (1, 1000) if options.brief else (3 * options.samples, 4000)
     for registers, noun in ((1, "register"), (32, "registers"), (125, "registers")):
         ours, peer = measurement.in_turn(
@@ -77,7 +77,7 @@ def report_rates(options):
 # --- Processor time ---
 
 def processor_seconds(command):
-    """User and system time. The PLC, a child as well, counts only when it has ended."""
+    """Returns user and system time. The PLC is also a child, but counts only after it has ended."""
     before = resource.getrusage(resource.RUSAGE_CHILDREN)
     run(command)
     after = resource.getrusage(resource.RUSAGE_CHILDREN)
@@ -98,7 +98,7 @@ def report_processor_time(options):
         options.samples,
         *(functools.partial(microseconds_per_variable, options, master, cycles)
           for master, cycles in ((driver, groups), (libmodbus, single), (grouped, groups))))
-    title = "processor time of a variable, read once"
+    title = "processor time per variable, read once"
     measurement.report("line-time-single", title, "us", ours, one_each, ONE_EACH)
     measurement.report("line-time-grouped", title, "us", ours, in_groups, GROUPED)
 
@@ -106,8 +106,8 @@ def report_processor_time(options):
 # --- System calls and instructions ---
 
 def counts(options, command_for):
-    """Of two runs, the second one twice as long, beside the requests that the PLC saw. `command_for(device,
-    times)`: the command of a master."""
+    """Yields the counts of two runs, the second one twice as long, and the number of requests that the PLC
+    received. `command_for(device, times)` returns the command of a master."""
     for times in (1, 2):
         with SimulatedLine(options.panelhost) as line:
             found = counted(command_for(line.device, times))
@@ -160,7 +160,7 @@ def report_counts(options):
     measurement.report("line-calls", "one exchange", "system calls", calls, peer_calls, "libmodbus")
     measurement.report("line-calls-host", "one exchange of the reference host", "system calls", host, peer_calls,
                        "libmodbus")
-    title = "a variable, read once, in user space"
+    title = "one variable, read once, in user space"
     measurement.report("line-instructions-single", title, "instructions", instructions, one_each, ONE_EACH)
     measurement.report("line-instructions-grouped", title, "instructions", instructions, in_groups, GROUPED)
 

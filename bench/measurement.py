@@ -1,4 +1,4 @@
-"""What the measuring programs have in common: their options and their output."""
+"""Options and output of the measuring programs."""
 import argparse
 import json
 import pathlib
@@ -12,10 +12,10 @@ PROGRAMS = {"panelhost": "host/panelhost", "driver": "libVelko_Modbus_RTU.so.1",
 
 def parse(description):
     parser = argparse.ArgumentParser(description=description, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--samples", type=int, default=5, help="of each side, taken in turn (5)")
-    parser.add_argument("--brief", action="store_true", help="few seconds: shows that it works")
+    parser.add_argument("--samples", type=int, default=5, help="samples of each side, taken in turn (default: 5)")
+    parser.add_argument("--brief", action="store_true", help="run for a few seconds, as a check that it works")
     parser.add_argument("--build", type=pathlib.Path, default=ROOT / "build/bench",
-                        help="folder that the preset bench was built in")
+                        help="build folder of the preset bench (default: build/bench)")
     options = parser.parse_args()
     if options.brief:
         options.samples = 1
@@ -24,19 +24,19 @@ def parse(description):
     for name, place in PROGRAMS.items():
         setattr(options, name, options.build / place)
         if not (options.build / place).exists():
-            raise RuntimeError(f"{options.build / place} is not there: build the preset bench, or name another --build")
+            raise RuntimeError(f"{options.build / place}: no such file. Build the preset bench, or change --build.")
     return options
 
 
 def in_turn(samples, *measures):
-    """The samples of each measure, a list for each. They take turns: what disturbs the machine for a while
-    disturbs all of them."""
+    """Returns a list of samples for each measure. The measures take turns, so that a temporary load on the machine
+    affects all of them."""
     rounds = [[measure() for measure in measures] for _ in range(samples)]
     return [list(column) for column in zip(*rounds)]
 
 
 def report(name, title, unit, ours, peer=None, peer_name=None):
-    """A line of output."""
+    """Prints one figure as a line of JSON."""
     def samples(values):
         return [round(value, 4) for value in values]
 
@@ -47,7 +47,7 @@ def report(name, title, unit, ours, peer=None, peer_name=None):
 
 
 def finish(work):
-    """Runs `work`; the program's exit status follows from it."""
+    """Runs `work`. If it fails, prints the error and exits with 1."""
     try:
         work()
     except (RuntimeError, OSError, subprocess.TimeoutExpired) as error:

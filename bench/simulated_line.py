@@ -1,19 +1,19 @@
-"""A simulated PLC in a process of its own, and what it saw on its line."""
+"""A simulated PLC in its own process, and the frames that it recorded on its line."""
 import pathlib
 import struct
 import subprocess
 import tempfile
 
-LIMIT = 60  # seconds for any program
-PLC_LIMIT = 5 * LIMIT  # should nobody end it
+LIMIT = 60  # seconds per program
+PLC_LIMIT = 5 * LIMIT  # the PLC ends by itself after this time
 
-REQUEST_BYTES = 8  # of a read; replies to reads have an odd number of bytes
+REQUEST_BYTES = 8  # of a read request; replies to reads have an odd number of bytes
 REPLY_OVERHEAD = 5
 
 
 class Capture:
-    """Times and frames as the PLC itself saw them. A request counts from the moment when it was whole
-    there, a reply from the moment when its last byte was sent."""
+    """Times and frames as the PLC recorded them. The time of a request is when the PLC has received all of it, the
+    time of a reply is when its last byte has been sent."""
 
     def __init__(self, path):
         data = path.read_bytes()
@@ -28,19 +28,19 @@ class Capture:
         return [time for time, frame in self.frames if len(frame) == REQUEST_BYTES]
 
     def period(self, registers, skipped=2):
-        """Seconds from one request to the next, on average. The first ones are those of a start. Each must have
-        had its reply: of a line with repetitions the pace tells nothing."""
+        """Returns the mean time from one request to the next in seconds, without the first requests after the
+        start. Fails if a request has no reply: with retries the rate means nothing."""
         sizes = [len(frame) for _, frame in self.frames]
         if sizes != [REQUEST_BYTES, REPLY_OVERHEAD + 2 * registers] * (len(sizes) // 2):
-            raise RuntimeError("the PLC saw more, or less, than requests and their replies")
+            raise RuntimeError("the frames that the PLC recorded are not pairs of a request and its reply")
         arrivals = self.arrivals()[skipped:]
         if len(arrivals) < 2:
-            raise RuntimeError("the PLC saw too few requests to tell their pace")
+            raise RuntimeError("the PLC received too few requests to compute their rate")
         return (arrivals[-1] - arrivals[0]) / (len(arrivals) - 1)
 
 
 class SimulatedLine:
-    """`panelhost simulate`: `device` while it runs, `capture` when it has ended."""
+    """Runs `panelhost simulate`. `device` is valid while it runs, `capture` after it has ended."""
 
     def __init__(self, panelhost, baud=0):
         self.command = [panelhost, "simulate", "--baud", str(baud), "--seconds", str(PLC_LIMIT)]
@@ -53,7 +53,7 @@ class SimulatedLine:
         words = self.process.stdout.readline().split()
         if not words:
             self.__exit__()
-            raise RuntimeError(f"{self.command[0]} simulate does not start")
+            raise RuntimeError(f"{self.command[0]} simulate: does not start")
         self.device = words[1]
         return self
 
@@ -66,7 +66,7 @@ class SimulatedLine:
 
 
 def run(command):
-    """Runs a master; one that fails has measured nothing."""
+    """Runs a master. Raises RuntimeError if it fails."""
     ended = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=LIMIT)
     if ended.returncode != 0:
         raise RuntimeError(f"{' '.join(map(str, command))}: exit status {ended.returncode}\n"

@@ -1,23 +1,24 @@
 #!/usr/bin/python3
-"""The reference host at the speed of the wire: `panelhost poll` on a simulated PLC that paces its bytes,
-beside a master that does nothing but write, poll, read and keep the silence.
+"""Measures the reference host at wire speed: `panelhost poll` on a simulated PLC that paces its bytes, compared
+with a bare master that only writes, polls, reads and keeps the silent interval.
 
-Prints a JSON object a line. Up to 19,200 baud: exchanges per second as a share of what the wire allows,
-1/T, T being the time of request and reply and two silences. At 115,200 baud: milliseconds that the host
-loses per exchange beside the bare master. The pace is taken from what the PLC saw. A share above 100 %,
-or a reply that the bare master has sooner than the wire allows, fails the measurement.
+Prints one JSON object per line. Up to 19,200 baud: exchanges per second as a share of what the wire allows,
+1/T, where T is the time of request, reply and two silent intervals. At 115,200 baud: milliseconds per exchange
+that the host loses compared with the bare master. The rate is computed from the times that the PLC recorded.
+The measurement fails if a share is above 100 %, or if the bare master receives a reply sooner than the wire
+allows.
 """
 import functools
 import pathlib
 import sys
 import tempfile
 
-sys.dont_write_bytecode = True  # no folder of compiled files in the tree
+sys.dont_write_bytecode = True  # keep __pycache__ out of the source tree
 import measurement
 from simulated_line import SimulatedLine, run
 
-# The bare master waits a second for the next byte; the host is to ride out as much, should the machine
-# hold up the simulated PLC.
+# If the machine delays the simulated PLC, the bare master waits one second for the next byte. The host gets the
+# same timeout.
 POLL_FILE = """[[link]]
 name = "line"
 device = "{device}"
@@ -34,7 +35,7 @@ count = {registers}
 
 
 class Line:
-    """What an exchange takes on a line, in seconds."""
+    """The duration of an exchange on a line, in seconds."""
 
     def __init__(self, baud, registers):
         self.baud, self.registers = baud, registers
@@ -42,7 +43,7 @@ class Line:
         self.silence = 3.5 * self.character if baud <= 19200 else 0.00175
         self.frames = (8 + 5 + 2 * registers) * self.character
         self.exchange = self.frames + 2 * self.silence
-        self.least_reply = self.frames + 3.5 * self.character  # when the PLC's last byte may be there
+        self.least_reply = self.frames + 3.5 * self.character  # earliest arrival of the last byte
 
 
 def microseconds(seconds):
@@ -65,7 +66,7 @@ def period_of_bare_master(options, line, cycles):
 
 
 def periods(options, line, seconds):
-    """Of the host and of the bare master, in turn."""
+    """Returns the periods of the host and of the bare master, taken in turn."""
     cycles = max(6, round(seconds / line.exchange))
     return measurement.in_turn(options.samples,
                                *(functools.partial(period, options, line, cycles)
@@ -75,22 +76,22 @@ def periods(options, line, seconds):
 def shares(line, measured):
     found = [100 * line.exchange / period for period in measured]
     if max(found) > 100:
-        raise RuntimeError(f"{max(found):.3f} % of what {line.baud} baud allow: "
-                           "the simulated line is faster than its speed")
+        raise RuntimeError(f"{max(found):.3f} % of what {line.baud} baud allows: "
+                           "the simulated line is faster than its baud rate")
     return found
 
 
 def report_share(options, line, seconds):
     host, bare = (shares(line, measured) for measured in periods(options, line, seconds))
     measurement.report(f"line-share-{line.baud}-{line.registers}",
-                       f"{line.baud:,} baud, {line.registers} registers: of the wire's speed", "%",
+                       f"{line.baud:,} baud, {line.registers} registers: share of the wire speed", "%",
                        host, bare, "bare master")
 
 
 def report_loss(options, line, seconds):
     host, bare = periods(options, line, seconds)
     measurement.report(f"line-loss-{line.baud}-{line.registers}",
-                       f"{line.baud:,} baud, {line.registers} registers: lost per exchange", "ms",
+                       f"{line.baud:,} baud, {line.registers} registers: loss per exchange", "ms",
                        [1000 * (one - other) for one, other in zip(host, bare)])
 
 

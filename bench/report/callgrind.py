@@ -1,4 +1,4 @@
-"""Runs a program under valgrind's callgrind and reads what it counted."""
+"""Runs a program under valgrind's callgrind and reads its counts."""
 import collections
 import pathlib
 import subprocess
@@ -8,7 +8,7 @@ ALLOCATING = ("malloc", "calloc", "realloc")
 
 
 class Counts:
-    """Instructions in all, those of each function without its callees, and calls of each function."""
+    """All instructions, those of each function without its callees, and the calls of each function."""
 
     def __init__(self, text):
         self.total = 0
@@ -24,7 +24,7 @@ class Counts:
                 callee = value
             elif key == "calls":
                 self.calls[callee] += int(value.split()[0])
-                after_call = True  # the next line is what the callee cost
+                after_call = True  # the next line is the cost of the callee
             elif line.startswith("totals:"):
                 self.total = int(line.split()[1])
             elif line[:1].isdigit():
@@ -33,7 +33,7 @@ class Counts:
                 after_call = False
 
     def own_of(self, name):
-        """Of the C++ functions of this name, whatever their parameters."""
+        """Returns the instructions of all C++ functions of this name."""
         return sum(cost for function, cost in self.own.items() if function.split("(")[0] == name)
 
     def allocations(self):

@@ -1,4 +1,4 @@
-"""Figures that callgrind counts: instructions and calls of the allocator."""
+"""Figures counted by callgrind: instructions and allocations."""
 from report.callgrind import count
 from report.row import Row
 
@@ -8,11 +8,12 @@ REPLY_HEADER_BYTES = 3
 
 
 def exchange_counts(program, registers, requests):
-    """Per exchange: instructions apart from the checksums, instructions per byte of these, allocations."""
+    """Returns instructions per exchange without checksums, instructions per byte under a checksum, allocations per
+    exchange."""
     counts = count([program, "exchange", TURNS, registers, requests])
     crc = counts.own_of("CalCRC")
     if crc == 0:
-        raise RuntimeError("callgrind saw no call of CalCRC: has the compiler put it into its callers?")
+        raise RuntimeError("callgrind found no function CalCRC: the compiler may have inlined it")
     bytes_checked = REQUEST_CRC_BYTES + REPLY_HEADER_BYTES + 2 * registers
     return ((counts.total - crc) / TURNS, crc / TURNS / bytes_checked,
             counts.allocations() / TURNS)
@@ -22,7 +23,7 @@ def exchange_rows(program):
     for registers in (1, 125):
         rest, crc, allocations = exchange_counts(program, registers, 1)
         what = f"{registers} register{'s' if registers > 1 else ''}"
-        yield Row(f"exchange-{registers}", f"one exchange of {what}, but for checksums",
+        yield Row(f"exchange-{registers}", f"one exchange of {what}, without checksums",
                   "instructions", [rest])
         yield Row(f"exchange-allocations-{registers}", f"one exchange of {what}", "allocations",
                   [allocations])
@@ -42,18 +43,18 @@ def get_rows(program):
 
 def rebuild_rows(program):
     largest = 100000
-    for far, what in ((0, "that touch"), (1, "far apart")):
+    for far, what in ((0, "that merge"), (1, "far apart")):
         base, most = (count([program, "rebuild", 1, size, far]).total / size
                       for size in (1000, largest))
         yield Row(f"rebuild-{'far' if far else 'near'}",
-                  f"rebuild of {largest:,} variables {what}, each", "instructions", [most],
+                  f"rebuild of {largest:,} variables {what}, per variable", "instructions", [most],
                   [base], "1,000 variables")
 
 
 def write_rows(program):
     bits = 10000
     counts = count([program, "write-bits", 1, bits, 0])
-    yield Row("write-bits", f"write of {bits:,} bits in one call, each", "instructions",
+    yield Row("write-bits", f"write of {bits:,} bits in one call, per bit", "instructions",
               [counts.total / bits])
 
 

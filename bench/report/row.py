@@ -1,4 +1,4 @@
-"""One figure: samples of ours and, where there is one, of a peer, taken in turn."""
+"""One figure: our samples and, if there is a peer, its samples, taken in turn."""
 import dataclasses
 import statistics
 
@@ -19,5 +19,5 @@ class Row:
         return statistics.median(self.peer) if self.peer else None
 
     def ratio(self):
-        """Ours to the peer's."""
+        """Returns our median divided by the peer's."""
         return self.our_median() / self.peer_median() if self.peer and self.peer_median() else None

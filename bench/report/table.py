@@ -1,6 +1,6 @@
-"""The table that people read."""
+"""The table in the output of scripts/bench."""
 
-HEADINGS = ("figure", "ours", "unit", "peer", "ratio", "peer is")
+HEADINGS = ("figure", "ours", "unit", "peer", "ratio", "name of peer")
 TO_THE_RIGHT = (1, 3, 4)
 
 
@@ -17,7 +17,7 @@ def cells(row):
 
 
 def table(sections):
-    """Of (title, rows), in columns of one width for all."""
+    """Returns the text of sections of (title, rows). All sections have the same column widths."""
     lines = [HEADINGS, *(cells(row) for _, rows in sections for row in rows)]
     widths = [max(len(line[column]) for line in lines) for column in range(len(HEADINGS))]
 

@@ -1,4 +1,4 @@
-"""Figures from Google Benchmark, which takes the samples of all of them in turn."""
+"""Figures measured by Google Benchmark, which takes the samples of all figures in turn."""
 import collections
 import json
 import re
@@ -10,11 +10,11 @@ TITLES = {
     "exchange": "one exchange",
     "get-alone": "GetRegisterData, alone",
     "get-beside-loop": "GetRegisterData beside the loop",
-    "loop-alone": "the loop, nobody reads",
+    "loop-alone": "the loop without readers",
     "rebuild": "rebuild of the list",
     "loop-held-up-by-rebuild": "longest exchange while the list is rebuilt",
     "queue-1024-writes": "1,024 writes queued",
-    "carry-out-1024-writes": "1,024 writes carried out",
+    "carry-out-1024-writes": "1,024 writes executed",
     "write-bits-in-one-call": "write of bits in one call",
 }
 
@@ -28,12 +28,12 @@ def title_of(name):
     parameters = parameters_of(name)
     far = parameters.pop("far", None)
     parts = [f"{int(value):,} {key[:-1] if value == '1' else key}" for key, value in parameters.items()]
-    parts += [] if far is None else ["far apart" if far == "1" else "touching"]
+    parts += [] if far is None else ["far apart" if far == "1" else "merged"]
     return ", ".join([TITLES[name.split("/")[0]], *parts]).replace("thread", "reader")
 
 
 def place_of(name):
-    """The order of the table; the benchmarks run in any order."""
+    """Returns the sort key for the table; the benchmarks run in any order."""
     numbers = [int(value) for value in parameters_of(name).values()]
     return list(TITLES).index(name.split("/")[0]), numbers
 
@@ -50,7 +50,7 @@ def timed_rows(program, samples, seconds):
     times, loop_rates, units = collections.defaultdict(list), collections.defaultdict(list), {}
     for one in run_benchmark(program, samples, seconds):
         name = re.sub("/(real_time|manual_time|iterations:[0-9]+)", "", one["run_name"])
-        # The time of all threads' calls together is told; a reader waits for one of its own.
+        # The reported time is divided by the number of threads; a reader waits for one of its own calls.
         times[name].append(one["real_time"] * one["threads"])
         units[name] = one["time_unit"]
         if "loop" in one:

@@ -1,4 +1,4 @@
-"""All faults that the rules make, found in what libclang reads."""
+"""Finds all faults that the rules generate, with libclang."""
 import multiprocessing
 import os
 import re
@@ -12,7 +12,7 @@ SOURCES = ["driver", "bytes", "lists", "store", "frames", "exchange", "include/v
 COMPARISONS = {"==": ["!="], "!=": ["=="], "<": ["<=", ">="], "<=": ["<", ">"],
                ">": [">=", "<="], ">=": [">", "<"]}
 CONNECTIVES = {"&&": "||", "||": "&&"}
-ORDERED = {"-", "/", "%", "<<", ">>"}  # where exchanged operands make a difference
+ORDERED = {"-", "/", "%", "<<", ">>"}  # swapped operands change the result
 COMMUTATIVE_CALLS = {"qMin", "qMax"}
 
 
@@ -26,7 +26,7 @@ class Finder:
     """The candidates of one file."""
 
     def __init__(self, file, flags):
-        import clang.cindex as clang  # not before scripts/setup has installed it
+        import clang.cindex as clang  # imported here, after scripts/setup has installed it
         self.kinds = clang.CursorKind
         self.record = clang.TypeKind.RECORD
         self.file = file
@@ -60,7 +60,7 @@ class Finder:
         for child in cursor.get_children():
             self.visit(child, cursor, function)
 
-    # What a cursor covers.
+    # The range of a cursor.
 
     @staticmethod
     def range_of(cursor):
@@ -79,7 +79,7 @@ class Finder:
         return self.text[self.range_of(cursor)[1]:].lstrip().startswith(character)
 
     def add(self, rule, span, replacement):
-        """A candidate, unless a macro made the code there, or an earlier rule made the same fault."""
+        """Adds a candidate, unless the code comes from a macro or an earlier rule made the same fault."""
         start, end = span
         in_macro = any(start < last and first < end for first, last in self.macros)
         if start > end or in_macro or self.text[start:end] == replacement.encode():
@@ -115,7 +115,7 @@ class Finder:
             self.add("constant", span, f"{text} = {cursor.enum_value + 1}")
 
     def infix(self, cursor):
-        """Left operand, operator, its range and right operand of a binary operator, or None."""
+        """Returns left operand, operator, its range and right operand of a binary operator, or None."""
         kinds = self.kinds
         operands = list(cursor.get_children())
         if cursor.kind == kinds.CALL_EXPR and cursor.spelling.startswith("operator"):
@@ -149,7 +149,7 @@ class Finder:
     def negate(self, condition):
         parts = self.infix(condition)
         if parts and parts[1] in COMPARISONS:
-            return  # the rule about comparisons has the negation
+            return  # the rule for comparisons includes the negation
         self.add("condition", self.range_of(condition), "!" + self.grouped(condition))
 
     def conditions(self, cursor):
@@ -161,7 +161,7 @@ class Finder:
             head = self.text_of(cursor).partition(";")[0]
             start = self.range_of(cursor)[0] + len(head.encode()) + 1
             after = [child for child in children if self.range_of(child)[0] >= start]
-            if after and self.followed_by(b";", after[0]):  # neither the step nor the body
+            if after and self.followed_by(b";", after[0]):  # the condition, not the step or the body
                 self.negate(after[0])
 
     def arguments(self, cursor):
@@ -169,7 +169,7 @@ class Finder:
                 or cursor.spelling in COMMUTATIVE_CALLS):
             return
         start, end = self.range_of(cursor)
-        given = [one for one in cursor.get_arguments()  # without default arguments, which lie elsewhere
+        given = [one for one in cursor.get_arguments()  # without default arguments, which are elsewhere
                  if one and start < self.range_of(one)[0] < self.range_of(one)[1] < end]
         for left, right in zip(given, given[1:]):
             if self.plain_type(left) != self.plain_type(right):
@@ -195,13 +195,13 @@ class Finder:
             self.add("removed call", self.range_of(cursor), "(void)0")
 
     def ends_as_body(self, cursor, parent):
-        """False for the parts of a loop's or a condition's head."""
+        """Returns False for the parts of the head of a loop or condition."""
         children = list(parent.get_children())
         behind_condition = children[1:] if parent.kind == self.kinds.IF_STMT else children[-1:]
         return cursor in behind_condition
 
     def guards(self, cursor):
-        """Objects that nothing uses: they are there for their constructor and destructor."""
+        """Removes unused objects, which exist only for their constructor and destructor."""
         kinds = self.kinds
         if cursor.kind != kinds.COMPOUND_STMT:
             return
@@ -225,7 +225,7 @@ def source_files():
 
 def find_candidates():
     flags = compile_flags()
-    os.chdir(ROOT)  # the flags name folders from there
+    os.chdir(ROOT)  # the folders in the flags are relative to it
     with multiprocessing.Pool() as pool:
         return [fault for some in pool.map(faults_of, [(name, flags) for name in source_files()], 1)
                 for fault in some]

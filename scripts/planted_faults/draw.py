@@ -1,9 +1,9 @@
-"""Which faults are planted: chance decides, no person."""
+"""Draws the faults to plant at random."""
 import random
 
 
 class Draw:
-    """One candidate of each file first, then any; no candidate twice."""
+    """Draws one candidate from each file first, then from all files; no candidate twice."""
 
     def __init__(self, candidates, unobservable, seed, count):
         self.unobservable = unobservable
@@ -14,7 +14,7 @@ class Draw:
         self.drawn += [self.next_of(None) for _ in range(count - len(self.drawn))]
 
     def next_of(self, file):
-        """The next candidate of the file, or of any file where that has none left; None at the end."""
+        """Returns the next candidate of the file, or of any file if none is left in it; None at the end."""
         for fault in sorted(self.left, key=lambda one: one.file != file) if file else list(self.left):
             self.left.remove(fault)
             reason = self.unobservable.get(fault.key())

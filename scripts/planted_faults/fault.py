@@ -1,4 +1,4 @@
-"""One fault: where it goes, and how it shows."""
+"""One fault: its place and its description."""
 import dataclasses
 
 
@@ -7,11 +7,11 @@ class Fault:
     rule: str
     file: str
     line: int
-    function: str  # "" outside any
-    start: int     # bytes of the file
+    function: str  # "" outside functions
+    start: int     # byte offset in the file
     end: int
     replacement: bytes
-    was: str       # the lines in question, stripped
+    was: str       # the changed lines, stripped
     becomes: str
 
     def __str__(self):

@@ -1,4 +1,4 @@
-"""A copy of the working tree with a build of its own."""
+"""Copies of the working tree, each with its own build."""
 import concurrent.futures
 import pathlib
 import resource
@@ -9,11 +9,11 @@ from planted_faults.tree import ROOT, tracked_files
 
 BUILD_TIMEOUT = 1200
 STAGE_TIMEOUT = 1800
-TEST_MEMORY = 4 << 30  # bytes of address space, against faults that make a loop endless
+TEST_MEMORY = 4 << 30  # bytes of address space: stops faults that allocate in an endless loop
 
 
 class Scratch:
-    """A copy of the working tree with a build of its own."""
+    """A copy of the working tree with its own build."""
 
     def __init__(self, folder):
         self.folder = pathlib.Path(folder)
@@ -28,8 +28,8 @@ class Scratch:
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, **options)
 
     def configure(self):
-        # No warning is what catches a fault: -w silences them wherever -Werror stands. Little
-        # optimisation, since the build takes more time than the tests.
+        # Warnings must not catch a fault: -w silences them in spite of -Werror. No optimisation, because
+        # the build takes more time than the tests.
         return self.run(["cmake", "--preset", "release", "-DCMAKE_CXX_FLAGS=-w",
                          "-DCMAKE_CXX_FLAGS_RELEASE=-O0 -DNDEBUG"], BUILD_TIMEOUT)
 
@@ -63,5 +63,5 @@ def make_scratches(folder, number):
         with concurrent.futures.ThreadPoolExecutor(number) as pool:
             for result in pool.map(step, scratches):
                 if result.returncode:
-                    stop("the source does not build, even without a fault", result.stdout)
+                    stop("the source does not build without a fault", result.stdout)
     return scratches

@@ -1,4 +1,4 @@
-"""The tests, in the order in which they catch faults soonest."""
+"""The tests, in the order that catches faults soonest."""
 import dataclasses
 import json
 import os
@@ -7,23 +7,23 @@ import subprocess
 
 from planted_faults.scratch import stop
 
-# Tests of the host run on real time and link the whole host, so they come after the others.
+# Tests of the host run in real time and link the whole host, so they run after the others.
 HOST_TEST = re.compile(r"/host_tests |panelhost_test\.py ")
-QUICK_SECONDS = 5    # a test that takes longer comes later as well
-LEAST_TIMEOUT = 20   # seconds for one test
+QUICK_SECONDS = 5    # longer tests also run later
+LEAST_TIMEOUT = 20   # seconds per test
 
 
 @dataclasses.dataclass
 class Stage:
     names: list
-    targets: list    # what to build for it; all when empty
+    targets: list    # build targets; all if empty
     arguments: list
 
     def run(self, scratch):
-        """"", or what failed first."""
+        """Returns "", or the first failure."""
         built = scratch.build(self.targets)
         if "Error running test executable" in built.stdout:
-            return "the listing of the tests"
+            return "listing the tests"
         if built.returncode:
             raise DoesNotCompile
         result = scratch.ctest("--stop-on-failure", *self.arguments)
@@ -31,7 +31,7 @@ class Stage:
             return ""
         failed = re.findall(r"^\s+\d+ - (.+) \((.+)\)$", result.stdout, re.MULTILINE)
         if not failed:
-            stop("ctest failed, though no test did", result.stdout)
+            stop("ctest failed, but no test failed", result.stdout)
         return "{} ({})".format(*failed[0])
 
 
@@ -40,7 +40,7 @@ class DoesNotCompile(Exception):
 
 
 def make_stages(scratch):
-    """Runs all tests without a fault and parts them: those that are soon done, and the others."""
+    """Runs all tests without a fault and divides them into quick tests and the others."""
     result = scratch.ctest("--timeout", "300", "--repeat", "until-pass:2")
     if result.returncode:
         stop("tests fail without a fault", result.stdout)
@@ -56,17 +56,17 @@ def make_stages(scratch):
 
     def limit(names):
         return str(max(LEAST_TIMEOUT, int(4 * max(seconds[name] for name in names)) + 1))
-    # A test on real time may fail on a busy machine; a fault fails twice.
+    # A test in real time may fail once on a busy machine; with a fault it fails twice.
     stages = [Stage(soon, sorted(programs), ["-E", pattern, "--timeout", limit(soon)]),
               Stage(sorted(late), [], ["-R", pattern, "--timeout", limit(late), "--repeat", "until-pass:2"])]
     for stage in stages:
         print(f"{len(stage.names)} tests, {sum(seconds[name] for name in stage.names):.0f} s, "
-              f"{stage.arguments[3]} s for each at the most", flush=True)
+              f"at most {stage.arguments[3]} s each", flush=True)
     return stages
 
 
 def try_fault(fault, scratches, stages):
-    """What caught the fault, "" when nothing did, None when it does not compile."""
+    """Returns what caught the fault, "" if nothing did, None if it does not compile."""
     scratch = scratches.get()
     text = scratch.plant(fault)
     try:
@@ -80,7 +80,7 @@ def try_fault(fault, scratches, stages):
     except subprocess.TimeoutExpired as error:
         if error.cmd[0] != "ctest":
             raise
-        return "the time-out of all tests"
+        return "the timeout of all tests"
     finally:
         (scratch.folder / fault.file).write_bytes(text)
         scratches.put(scratch)

@@ -1,4 +1,4 @@
-"""The list of faults that nothing outside the library could notice."""
+"""The list of faults that nothing outside the library can observe."""
 import collections
 import json
 import tomllib
@@ -10,7 +10,7 @@ LISTED = "scripts/planted_faults/unobservable.toml"
 
 
 def read_unobservable():
-    """{(file, function, was, becomes): reason}"""
+    """Returns {(file, function, was, becomes): reason}."""
     entries = tomllib.loads((ROOT / LISTED).read_text()).get("fault", [])
     return {(one["file"], one.get("function", ""), one["was"], one["becomes"]): one["reason"]
             for one in entries}
@@ -33,8 +33,8 @@ def check(candidates, unobservable):
     known = {fault.key() for fault in candidates}
     stale = [key for key in unobservable if key not in known]
     for file, function, was, becomes in stale:
-        print(f"no such fault any more: {file} {function}: `{was}` -> `{becomes}`")
+        print(f"no such fault in the source: {file} {function}: `{was}` -> `{becomes}`")
     if stale:
-        print(f"plant-faults: correct or remove these entries of {LISTED}, as the source now reads")
+        print(f"plant-faults: {LISTED} does not match the source. Correct or remove these entries.")
     print(f"{len(candidates)} candidates, {len(unobservable)} of them listed as unobservable")
     return 1 if stale else 0
