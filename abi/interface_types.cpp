@@ -1,6 +1,6 @@
-// What hosts are compiled with though no exported function shows it: the variable item, which travels
-// inside a QList, and the numbers behind the names. Built to be described by scripts/check-abi, never
-// loaded.
+// Types that hosts are compiled with but no exported function shows: the variable item, which is passed
+// in a QList, and the values of the enumerators. scripts/check-abi describes this library; no program
+// loads it.
 #include "velko_modbus_rtu.h"
 
 VELKO_API void interfaceTypes(const VAR_ITEM *, VARIABLE_KIND, REGISTER_AREA, REQUEST_DIRECTION,

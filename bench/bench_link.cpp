@@ -12,11 +12,11 @@ using namespace velko;
 namespace
 {
 
-const int LAST_REGISTER = 60000; // leaves room for the longest request behind it
+const int LAST_REGISTER = 60000; // leaves room for the longest request after it
 const int MAX_REGS = 125;        // 255 bytes of a reply
 const int MAX_DRAIN_TURNS = 10 * LIMIT_QUEUE_ENTRIES;
 
-// Station and function are not looked at.
+// The driver does not check station and function.
 QByteArray goodReply(int bytes)
 {
     QByteArray reply(bytes - 2, '\1');
@@ -51,7 +51,7 @@ void BenchLink::poll(int requests, int registers)
     const Protocol *const sent = m_driver->ComCommunication();
     const QByteArray &reply = m_replies.at(static_cast<size_t>(sent->replyLen));
     if (m_driver->DataCom(&reply, reply.size())->retCode != RESULT_GOOD)
-        throw std::logic_error("the driver takes a good answer for a bad one");
+        throw std::logic_error("the driver rejects a good reply");
 }
 
 void BenchLink::drain()
@@ -61,7 +61,7 @@ void BenchLink::drain()
             return;
         exchange();
     }
-    throw std::logic_error("queued writes do not end");
+    throw std::logic_error("the write queue does not become empty");
 }
 
 QList<VAR_ITEM> shuffledWords(int variables, Spacing spacing)

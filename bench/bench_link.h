@@ -1,4 +1,4 @@
-// A driver on an imaginary line that answers at once and always well: what the benchmarks measure.
+// A driver on a simulated line without delay or faults, for the benchmarks.
 #pragma once
 
 #include "host/core/loading/driver_copy.h"
@@ -12,13 +12,13 @@ class BenchLink
 public:
     BenchLink();
 
-    /// Makes the cyclic list `requests` requests for `registers` registers each, one behind the other
-    /// and from register 0 on again where they pass 60,000. Throws std::logic_error where an answer is
-    /// taken for a bad one.
+    /// Fills the cyclic list with `requests` requests for `registers` registers each, at consecutive
+    /// addresses that begin again at 0 after 60,000. Throws std::logic_error if the driver rejects a
+    /// good reply.
     void poll(int requests, int registers);
 
-    /// One exchange, where there is something to send. The answer's bytes, which a host would receive,
-    /// are made beforehand.
+    /// Makes one exchange if there is something to send. The bytes of the reply, which a host would
+    /// receive, are prepared in advance.
     void exchange()
     {
         const Protocol *const request = m_driver->ComCommunication();
@@ -28,7 +28,7 @@ public:
         m_driver->DataCom(&reply, reply.size());
     }
 
-    /// Carries out all queued writes. Throws std::logic_error should they not end.
+    /// Executes all queued writes. Throws std::logic_error if the queue does not become empty.
     void drain();
 
     const velko::DriverLibrary &driver() const { return *m_driver; }
@@ -36,10 +36,10 @@ public:
 private:
     std::unique_ptr<velko::DriverLibrary> m_driver;
     ComInfo m_info;
-    std::array<QByteArray, 256> m_replies; // by their length
+    std::array<QByteArray, 256> m_replies; // by length
 };
 
-/// Variables of one word each, in random order. Near ones touch one another, far ones are too far
-/// apart to be merged. For lists alone: the last ones lie beyond what a line can address.
+/// Returns variables of one word each, in random order. NEAR variables touch one another, FAR ones are
+/// too far apart to merge. Only for lists: the last variables have addresses above 65,535.
 enum class Spacing { NEAR, FAR };
 QList<VAR_ITEM> shuffledWords(int variables, Spacing spacing);

@@ -14,7 +14,7 @@ BusyLoop::~BusyLoop()
 void BusyLoop::awaitTurn() const
 {
     const long before = m_exchanges;
-    while (m_exchanges < before + 2) // ends as surely as the loop goes on
+    while (m_exchanges < before + 2) // ends, because the loop runs all the time
         std::this_thread::yield();
 }
 

@@ -1,4 +1,4 @@
-// The communication loop of a link, on a thread of its own, as fast as it can.
+// The communication loop of a link on its own thread, running as fast as it can.
 #pragma once
 
 #include "bench/bench_link.h"
@@ -10,7 +10,8 @@
 class BusyLoop
 {
 public:
-    /// `link` polls something; it is the caller's and outlives this. Returns when the loop runs.
+    /// Starts the loop and returns when it runs. `link` has something to poll; it belongs to the caller
+    /// and outlives this object.
     explicit BusyLoop(BenchLink &link);
     ~BusyLoop();
     BusyLoop(const BusyLoop &) = delete;
@@ -18,10 +19,10 @@ public:
 
     long exchanges() const { return m_exchanges; }
 
-    /// Returns when an exchange that was under way at the call has ended.
+    /// Returns when an exchange that was in progress at the call has ended.
     void awaitTurn() const;
 
-    /// The longest time, in seconds, that one exchange took since the last call.
+    /// Returns the duration of the longest exchange since the last call, in seconds.
     double takeLongest();
 
 private:

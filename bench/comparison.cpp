@@ -28,7 +28,7 @@ std::vector<double> leastCosts(const AreaRegisters &wanted, int maxRegs, const M
     return costs;
 }
 
-// What beats the best possible has shown that a computation here is wrong.
+// A method that is better than the best possible means that a computation here is wrong.
 void checkBest(const Comparison &comparison)
 {
     const double rounding = 1e-6;
@@ -54,7 +54,7 @@ Comparison compare(const std::string &library, TagSet set, const std::vector<Var
     comparison.methods = {
         {"driver", "driver", costsOf(driver, measures)},
         {"single", "one request per variable", costsOf(singly, measures)},
-        {"touching", "merged where they touch", costsOf(touching, measures)},
+        {"touching", "adjacent ones merged", costsOf(touching, measures)},
         {"best", "best possible", leastCosts(wanted, maxRegs, measures)},
     };
     for (const Measure &measure : measures)

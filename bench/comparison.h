@@ -1,4 +1,4 @@
-// The driver's plan of a set of variables beside other plans of it.
+// Compares the driver's read plan for a set of variables with other plans.
 #pragma once
 
 #include "bench/plan_cost.h"
@@ -7,7 +7,7 @@
 struct Method {
     std::string id;
     std::string name;
-    std::vector<double> costs; ///< one for each measure
+    std::vector<double> costs; ///< one per measure
 };
 
 struct Comparison {
@@ -17,7 +17,7 @@ struct Comparison {
     std::vector<double> lostInGaps;
 };
 
-/// Throws std::runtime_error where the driver's plan is wrong.
+/// Throws std::runtime_error if the driver's plan is wrong.
 Comparison compare(const std::string &library, TagSet set,
                    const std::vector<velko::Variable> &variables, int maxRegs,
                    const std::vector<Measure> &measures);

@@ -1,5 +1,5 @@
-// One piece of work, so often: for valgrind's callgrind, which counts its instructions and its calls
-// of the allocator. Counting begins and ends here, so that loading and preparation do not count.
+// Repeats one operation under valgrind's callgrind, which counts instructions and allocations. The
+// program starts and stops the counting itself, so that loading and preparation do not count.
 #include "bench/bench_link.h"
 
 #include <valgrind/callgrind.h>
@@ -20,7 +20,7 @@ struct Job {
     int length;
 };
 
-// The first time resolves symbols and makes what stays: images, a list's room.
+// The first call is not counted: it resolves symbols and allocates what stays, such as images.
 void count(int times, const std::function<void()> &work)
 {
     work();
@@ -30,8 +30,8 @@ void count(int times, const std::function<void()> &work)
     CALLGRIND_STOP_INSTRUMENTATION;
 }
 
-// So long a warm-up that each request of the list, and the room that the list rotates in, has been
-// there before.
+// The warm-up is long enough for every request of the list and for the memory in which the list
+// rotates.
 void exchange(const Job &job)
 {
     BenchLink link;
@@ -86,7 +86,7 @@ try {
     if (job == jobs.end() || number(argv[2]) < 1 || number(argv[3]) < 1) {
         std::fputs("usage: counted exchange TIMES REGISTERS REQUESTS\n"
                    "       counted get TIMES WORDS 0\n"
-                   "       counted rebuild TIMES VARIABLES 0|1    1: too far apart to be merged\n"
+                   "       counted rebuild TIMES VARIABLES 0|1    1: too far apart to merge\n"
                    "       counted write-bits TIMES BITS 0\n",
                    stderr);
         return 2;

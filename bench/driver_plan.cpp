@@ -22,23 +22,23 @@ int wordAt(const QByteArray &frame, int index)
     return byteAt(frame, index) << 8 | byteAt(frame, index + 1);
 }
 
-// Empty: nothing is wrong with it.
+// Returns what is wrong with the request, or an empty text.
 std::string faultOf(const PlannedRequest &request, const Variable &any, int maxRegs)
 {
     const QByteArray &frame = request.frame;
     if (frame.size() != READ_REQUEST_BYTES || !endsInItsCrc(frame))
-        return "it is not a whole read request";
+        return "not a complete read request";
     const int area = request.var.varKind;
     const int function = area == AREA_INPUT ? READ_INPUT_REGISTERS : READ_HOLDING_REGISTERS;
     if (byteAt(frame, 0) != any.station || byteAt(frame, 1) != function)
-        return "it has another station or function than its area";
+        return "wrong station or function";
     const int count = wordAt(frame, 4);
     if (wordAt(frame, 2) != request.var.addr + wireOffset(area) || count != request.var.count)
-        return "it asks for other registers than its record says";
+        return "the registers differ from those of its record";
     if (count < 1 || count > maxRegs)
-        return "it asks for " + std::to_string(count) + " registers";
+        return "wrong number of registers: " + std::to_string(count);
     if (request.replyLength != READ_OVERHEAD_BYTES + 2 * count)
-        return "a reply of " + std::to_string(request.replyLength) + " bytes is expected";
+        return "wrong length of the expected reply: " + std::to_string(request.replyLength);
     return std::string();
 }
 

@@ -1,4 +1,4 @@
-// What it is worth that the driver merges variables into few requests: its plans beside others.
+// Measures the benefit of merging variables into few requests: compares the driver's plans with others.
 #include "bench/comparison.h"
 #include "host/views/text_table.h"
 
@@ -79,7 +79,7 @@ void printJson(const Comparison &comparison, const Measures &measures)
                       {{"ours", ours},
                        {"peer", samples(methods[m].costs[i])},
                        {"peer_name", QString::fromStdString(methods[m].name)}});
-        if (measures[i].unit != "requests") // splitting saves none
+        if (measures[i].unit != "requests") // splitting saves no requests
             printJson(comparison, measures[i], "lost-in-gaps", ", lost in gaps",
                       {{"ours", samples(comparison.lostInGaps[i])}});
     }
@@ -105,8 +105,8 @@ void printTable(const Comparisons &all, const Measures &measures, unsigned seed)
             addRow(table, comparison, method.name, method.costs, measures);
         addRow(table, comparison, "driver: lost in gaps", comparison.lostInGaps, measures);
     }
-    std::printf("Per cycle; seed %u; wire times in ms. Lost in gaps: what splitting the driver's "
-                "requests would save.\n\n",
+    std::printf("Per cycle; seed %u; wire times in ms. Lost in gaps: savings from splitting the "
+                "driver's requests.\n\n",
                 seed);
     for (const std::string &line : table.lines())
         std::puts(line.c_str());
@@ -132,18 +132,16 @@ void printCsv(const Comparisons &all, const Measures &measures)
 
 void addOptions(CLI::App &program, Options &options)
 {
-    program.add_option("--library", options.library, "The driver")->capture_default_str();
-    program.add_option("--max-regs", options.maxRegs, "Registers per request at the most")
+    program.add_option("--library", options.library, "Driver library file")->capture_default_str();
+    program.add_option("--max-regs", options.maxRegs, "Largest number of registers per request")
         ->check(CLI::Range(1, 125))
         ->capture_default_str();
     program.add_option("--seed", options.seed, "Seed of the sets")->capture_default_str();
-    program
-        .add_option("--turnaround", options.turnaround,
-                    "Milliseconds that the slave takes to answer")
+    program.add_option("--turnaround", options.turnaround, "Turnaround time of the slave in ms")
         ->check(CLI::Range(0.0, 1000.0))
         ->capture_default_str();
-    CLI::Option *const table = program.add_flag("--table", options.asTable, "A table for people");
-    program.add_flag("--csv", options.asCsv, "Rows for the plot")->excludes(table);
+    CLI::Option *const table = program.add_flag("--table", options.asTable, "Print a table");
+    program.add_flag("--csv", options.asCsv, "Print CSV rows for the plot")->excludes(table);
 }
 
 void run(const Options &options)
@@ -158,14 +156,14 @@ void run(const Options &options)
         for (const Comparison &comparison : all)
             printJson(comparison, measures);
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
-        throw std::runtime_error("the output could not be written");
+        throw std::runtime_error("cannot write the output");
 }
 
 int parseAndRun(int argc, char *argv[])
 {
     Options options;
-    CLI::App program("Compares the driver's requests with one per variable, with merging only what "
-                     "touches, and with the best possible.");
+    CLI::App program("Compares the driver's requests with one request per variable, with merging "
+                     "only adjacent variables, and with the best possible plan.");
     addOptions(program, options);
     try {
         program.parse(argc, argv);

@@ -1,4 +1,4 @@
-# Draws docs/frames-saved.svg. In the project's folder:
+# Draws docs/frames-saved.svg. Run in the project's root folder:
 #
 #   build/bench/bench/frames_saved --csv >build/frames-saved.csv
 #   gnuplot -c bench/frames_saved.gnuplot build/frames-saved.csv docs/frames-saved.svg
@@ -16,7 +16,7 @@ set datafile missing NaN
 array sets[3] = ["dense", "scattered", "mixed"]
 array places[3] = ["blocks of data", "small groups, gaps", "machine units"]
 array plans[4] = ["single", "touching", "driver", "best"]
-array titles[4] = ["one request per variable", "merged where they touch", "the driver", "best possible"]
+array titles[4] = ["one request per variable", "adjacent ones merged", "the driver", "best possible"]
 wire(set_name, value) = strcol(1) eq set_name && strcol(3) eq "wire-19200" ? value : NaN
 
 set style line 1 linecolor rgb "#909090" linewidth 2 pointtype 9 pointsize 0.7
@@ -36,10 +36,10 @@ set xrange [80:12500]
 left(i) = 0.065 + (i - 1) * 0.32
 set multiplot
 
-# The texts of the whole picture are drawn with its first part. gnuplot's own key would not fit: it
-# is laid out within one part.
+# The texts of the whole picture are drawn with its first plot. gnuplot's own key does not fit, because
+# it is laid out within one plot.
 set label 1 "Wire time of one cycle at 19,200 baud" at screen 0.5, screen 0.965 center font ",15"
-set label 2 "at most 125 registers per request; the time that a slave takes to answer is not counted" \
+set label 2 "at most 125 registers per request, without the turnaround time of the slave" \
     at screen 0.5, screen 0.925 center textcolor rgb "#505050"
 array keys[4] = [0.06, 0.33, 0.59, 0.76]
 do for [p = 1:4] {
@@ -49,7 +49,7 @@ do for [p = 1:4] {
     set label 20 + p "" at screen keys[p] + 0.02, screen 0.875 point linestyle p
 }
 set label 3 "seconds" at screen 0.012, screen 0.815 left
-set label 4 "times the best possible" at screen 0.012, screen 0.44 left
+set label 4 "multiple of the best possible" at screen 0.012, screen 0.44 left
 set label 5 "number of variables" at screen 0.5, screen 0.025 center
 set yrange [0.1:200]
 set ytics (0.1, 1, 10, 100)

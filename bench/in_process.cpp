@@ -1,4 +1,5 @@
-// What needs no line, with Google Benchmark. Times of these are shown, not judged: see counted.cpp.
+// Benchmarks without a line, with Google Benchmark. Their times are shown, not checked; counted.cpp
+// counts instructions.
 #include "bench/busy_loop.h"
 
 #include <benchmark/benchmark.h>
@@ -85,7 +86,7 @@ BENCHMARK(get)
     ->Teardown(stop)
     ->UseRealTime();
 
-// The loop that nobody reads beside.
+// The loop without readers.
 void loop(benchmark::State &state)
 {
     for ([[maybe_unused]] auto turn : state)

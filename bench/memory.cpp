@@ -1,4 +1,4 @@
-// What the lists and the store take of the heap, as the C library counts it.
+// Heap memory of the lists and of the store, as counted by the C library.
 #include "bench/bench_link.h"
 
 #include <malloc.h>
@@ -54,9 +54,8 @@ void measureStore()
 
 int main()
 try {
-    measureRebuild("memory-variable-near", "one variable of the list, touching the next",
-                   Spacing::NEAR);
-    measureRebuild("memory-variable-far", "one variable of the list, with a request of its own",
+    measureRebuild("memory-variable-near", "one variable of the list, merged", Spacing::NEAR);
+    measureRebuild("memory-variable-far", "one variable of the list, with its own request",
                    Spacing::FAR);
     measureStore();
     return 0;

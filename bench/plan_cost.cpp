@@ -14,7 +14,7 @@ const int REQUEST_BYTES = 8;
 const int BYTES_PER_REGISTER = 2;
 const int CHARACTER_BITS = 11;
 const double SILENCE_CHARACTERS = 3.5;
-const int FASTEST_WITH_CHARACTERS = 19200; // above it the silence is the same at every speed
+const int FASTEST_WITH_CHARACTERS = 19200; // above this baud rate the silent interval is constant
 const double SHORTEST_SILENCE = 1.750;
 
 using Position = std::vector<int>::const_iterator;
@@ -40,8 +40,8 @@ double requestCost(int registers, const Measure &measure)
     return measure.perRequest + registers * measure.perRegister;
 }
 
-// least[i]: the least cost of the first i registers. Their last request ends at the last of them and
-// begins at one that is wanted; a plan that does not can only be dearer.
+// least[i]: the least cost of the first i wanted registers. Their last request ends at the last one and
+// begins at a wanted one; every other plan costs more.
 double leastCost(Position begin, Position end, int maxRegs, const Measure &measure)
 {
     std::vector<double> least(static_cast<size_t>(end - begin) + 1, 0);

@@ -1,9 +1,9 @@
-// What a plan costs, and what the best one would.
+// The cost of a read plan and of the best possible plan.
 #pragma once
 
 #include "bench/read_plans.h"
 
-/// Every measure is so much per request and so much per register in it.
+/// A measure of cost: a fixed part per request and a part per register.
 struct Measure {
     std::string id;
     std::string title;
@@ -12,17 +12,16 @@ struct Measure {
     double perRegister;
 };
 
-/// Requests, bytes of requests and replies, and milliseconds on the wire at 9,600, 19,200 and 115,200
-/// baud with characters of 11 bits: both frames and the silence behind each. `turnaround`:
-/// milliseconds that the slave takes to answer.
+/// Returns the measures: requests; bytes of requests and replies; milliseconds on the wire at 9,600,
+/// 19,200 and 115,200 baud with characters of 11 bits, which include both frames and the silent interval
+/// after each. `turnaround` is the turnaround time of the slave in milliseconds.
 std::vector<Measure> allMeasures(double turnaround);
 
 double costOf(const ReadPlan &plan, const Measure &measure);
 
-/// Of the best of all plans that read the wanted registers with at most `maxRegs` to a request. Areas
-/// are stored apart, so that no request serves two of them.
+/// Returns the cost of the best plan that reads the wanted registers with at most `maxRegs` per request.
+/// No request serves two areas.
 double leastCost(const AreaRegisters &wanted, int maxRegs, const Measure &measure);
 
-/// What would be saved if each request of the plan could be split at its gaps, and were where that is
-/// worth it.
+/// Returns the savings if each request of the plan were split at those gaps where splitting costs less.
 double lostInGaps(const ReadPlan &plan, const AreaRegisters &wanted, const Measure &measure);

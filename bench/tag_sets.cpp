@@ -16,11 +16,11 @@ struct Range {
 };
 
 struct Share {
-    int percent; // all shares of a list make 100
+    int percent; // the shares of a list add up to 100
     Range range;
 };
 
-// The distributions of the standard library give other numbers with each library.
+// The distributions of the standard library differ between implementations, so this class has its own.
 class Dice
 {
 public:
@@ -49,7 +49,7 @@ private:
     std::mt19937 m_random;
 };
 
-// Places variables one behind the other, and drops those beyond the number that is asked for.
+// Places variables one after the other and drops those beyond the requested number.
 class Layout
 {
 public:
@@ -118,7 +118,7 @@ private:
     std::array<int, AREAS> m_next{};
 };
 
-// Most data lies in the holding registers.
+// Most data is in the holding registers.
 int usualArea(Dice &dice)
 {
     return dice.from({{20, {0, 0}}, {60, {1, 1}}, {20, {2, 2}}});
@@ -168,7 +168,7 @@ void addScatteredGroup(Layout &layout, Dice &dice)
     }
 }
 
-// Commands and states, modes, values with some in reserve, counters, now and then a name.
+// Commands and states, modes, values with reserve registers, counters, and sometimes a name.
 void addUnit(Layout &layout, Dice &dice)
 {
     layout.moveTo(usualArea(dice));

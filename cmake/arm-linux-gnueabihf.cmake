@@ -1,5 +1,5 @@
-# The panel's processor: 32-bit ARM with hardware floating point, with Debian's cross compiler.
-# scripts/arm-root makes the root folder that headers and libraries come from.
+# Toolchain file for the panel's processor, 32-bit ARM with hardware floating point, with Debian's cross
+# compiler. scripts/arm-root creates the root folder with headers and libraries.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 
@@ -8,8 +8,8 @@ if(NOT VELKO_ARM_ROOT)
 endif()
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VELKO_ARM_ROOT)
 if(NOT EXISTS ${VELKO_ARM_ROOT}/usr/include)
-    message(FATAL_ERROR "There is no ARM root folder at ${VELKO_ARM_ROOT}: run scripts/arm-root, "
-        "or set VELKO_ARM_ROOT")
+    message(FATAL_ERROR "There is no ARM root folder at ${VELKO_ARM_ROOT}. Run scripts/arm-root, "
+        "or set VELKO_ARM_ROOT.")
 endif()
 
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
@@ -24,5 +24,5 @@ set(ENV{PKG_CONFIG_SYSROOT_DIR} ${VELKO_ARM_ROOT})
 set(ENV{PKG_CONFIG_LIBDIR}
     ${VELKO_ARM_ROOT}/usr/lib/arm-linux-gnueabihf/pkgconfig:${VELKO_ARM_ROOT}/usr/share/pkgconfig)
 
-# Whatever the build or ctest starts for the panel runs under emulation.
+# The build and ctest run programs for the panel under emulation.
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm -L ${VELKO_ARM_ROOT})

@@ -1,5 +1,4 @@
-# What `cmake --install` puts where: the component "runtime" is what a panel needs, "development" what
-# a host is built with.
+# Rules for `cmake --install`. The component "runtime" is for panels, "development" for building hosts.
 
 install(TARGETS Velko_Modbus_RTU interface_header EXPORT velko_modbus_rtuTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime

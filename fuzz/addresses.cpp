@@ -1,4 +1,4 @@
-// Address texts and variable items of any kind, and the requests that they become.
+// Passes address texts and variable items of any kind, and checks the requests made from them.
 #include "fuzz/common.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ void checkNumber(int kind, int number, int bit)
     assert(isValid ? found == offset : found < 0);
 }
 
-// The requests are sorted by their registers.
+// `requests` are sorted by register.
 void checkItem(const VAR_ITEM &item, const QList<RW_VAR> &requests)
 {
     const int offset = PLCAddressChangeIntef(item.kind, item.addrText);

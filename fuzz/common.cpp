@@ -11,7 +11,7 @@ Input::Input(const uint8_t *bytes, size_t size) : FuzzedDataProvider(bytes, size
     PLC_driver.~Modbus_RTU_Master();
     new (&PLC_driver) Modbus_RTU_Master;
     DataStorage.clear();
-    // One locale with digits of its own.
+    // One locale with its own digits.
     QLocale::setDefault(ConsumeBool() ? QLocale(QLocale::Arabic, QLocale::Egypt) : QLocale::c());
     RegistCallBackFuncIntf([](int, int, int, int) {}, [](QList<RW_VAR>, int, int) {});
     setComInfo();
@@ -26,8 +26,8 @@ int Input::number(int low, int high)
     return choice == 14 ? edges[below(9)] + below(5) - 2 : ConsumeIntegralInRange(low, high);
 }
 
-// A long one is cut into up to a million pieces, each compared with a whole queue: one in an input,
-// and not in too many pieces.
+// A long value is cut into up to a million pieces, each of which is compared with a full queue. So an
+// input has at most one, with a limited number of pieces.
 int Input::length(int kind)
 {
     const int units = number(0, 40);
@@ -56,7 +56,7 @@ QString Input::address(int kind)
 QByteArray Input::bytes()
 {
     const QByteArray start = QByteArray::fromStdString(ConsumeRandomLengthString(20));
-    // Now and then about as much as the longest remote frame carries.
+    // Sometimes about as many bytes as the longest remote frame holds.
     return below(32) == 31 ? start.leftJustified(65513 + below(2), 'z') : start;
 }
 
@@ -123,7 +123,7 @@ void exchange(Input &input)
     const Protocol request = waits ? *asked : Protocol();
     assert(request.frameLen == request.frame.size() && request.frameLen <= LIMIT_FRAME_BYTES);
 
-    const int how = input.below(4); // 0 and 1: right, 2: damaged, 3: any bytes
+    const int how = input.below(4); // 0 and 1: good, 2: damaged, 3: any bytes
     QByteArray reply = input.bytes();
     if (how < 3 && request.replyLen > 0)
         appendCRC(reply = reply.leftJustified(qBound(0, request.replyLen - 2, 65533), 'z', true));

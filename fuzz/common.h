@@ -1,4 +1,4 @@
-// What the fuzz programs share: an input that is cut into arguments, and steps that check themselves.
+// Shared by the fuzz programs: an input that is cut into arguments, and steps that check their results.
 #ifndef FUZZ_COMMON_H
 #define FUZZ_COMMON_H
 
@@ -6,19 +6,19 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-// Assertions are what finds faults, whatever the build type.
+// Assertions find the faults, so they are enabled in every build type.
 #undef NDEBUG
 #include <cassert>
 
-/// One input. Constructing it puts the driver back to where loading leaves it.
+/// One input. The constructor resets the driver to its state after loading.
 class Input : public FuzzedDataProvider
 {
 public:
     Input(const uint8_t *bytes, size_t size);
     bool isLeft() { return remaining_bytes() > 0 && m_steps++ < 40; }
     int below(int end) { return ConsumeIntegralInRange(0, end - 1); }
-    int number(int low, int high); ///< mostly in the range, now and then any number
-    int length(int kind);          ///< of a variable
+    int number(int low, int high); ///< mostly in the range, sometimes any number
+    int length(int kind);          ///< length of a variable
     QString address(int kind);
     QByteArray bytes();
     RW_VAR record();
@@ -31,13 +31,13 @@ private:
     bool m_hadLong = false;
 };
 
-/// Registers that hold any part of a variable, reckoned apart from the library: first and end.
+/// Returns the registers that hold a part of a variable (first, end), computed without the library.
 std::pair<qint64, qint64> registersOf(int kind, qint64 offset, qint64 length);
 
-/// Takes a frame, answers it in any way, and checks what becomes of both.
+/// Takes the next frame, passes any reply, and checks the result.
 void exchange(Input &input);
 
-/// Hands a record of any content to one of the lists, and checks their lengths.
+/// Passes a record of any content to one of the lists and checks its length.
 void queue(Input &input);
 
 #endif

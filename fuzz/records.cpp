@@ -1,10 +1,10 @@
-// Records and values of any content, in every mode of the queues and of the store.
+// Passes records and values of any content, in every mode of the queues and of the store.
 #include "fuzz/common.h"
 
 namespace
 {
 
-// What reading delivers of a value that was written.
+// Returns the bytes that a read must deliver after the value was written.
 QByteArray delivered(int kind, qint64 offset, int length, const QByteArray &value)
 {
     const int width = kind / 3;

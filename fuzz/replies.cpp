@@ -1,4 +1,4 @@
-// Replies of any length and content, in every state of a request.
+// Passes replies of any length and content, in every state of a request.
 #include "fuzz/common.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)

@@ -1,5 +1,5 @@
-// A master without driver and host: write, poll, read, and a silence. What it takes for an exchange
-// is what the system and the slave take.
+// A master without driver and host: write, poll, read and a silent interval. An exchange takes only the
+// time of the operating system and of the slave.
 #include "bench/masters/poll_task.h"
 #include "bench/masters/raw_port.h"
 #include "host/core/line/crc16.h"
@@ -30,20 +30,20 @@ void check(const QByteArray &reply, const std::vector<uint16_t> &expected)
 {
     if (reply.size() != static_cast<int>(READ_OVERHEAD_BYTES + 2 * expected.size())
         || !endsInItsCrc(reply))
-        throw std::runtime_error("no answer, or a bad one");
+        throw std::runtime_error("no reply, or a bad one");
     std::vector<uint16_t> values;
     for (int i = 3; i < reply.size() - 2; i += 2)
         values.push_back(static_cast<uint16_t>(byteAt(reply, i) << 8 | byteAt(reply, i + 1)));
     requireSame(values, expected);
 }
 
-// A reply that is whole before its bytes can have passed the line would make the line too fast.
+// A reply that is complete before its bytes can have passed the line means that the line is too fast.
 void requireNotEarly(Clock::duration elapsed, microseconds leastTime)
 {
     if (elapsed >= leastTime)
         return;
     throw std::runtime_error(
-        "the slave is faster than the line: a reply was whole after "
+        "the slave is faster than the line: a reply was complete after "
         + std::to_string(std::chrono::duration_cast<microseconds>(elapsed).count()) + " us, not "
         + std::to_string(leastTime.count()));
 }
@@ -67,13 +67,13 @@ void poll(const PollTask &task, microseconds silence, microseconds leastTime)
 
 int run(int argc, char **argv)
 {
-    CLI::App program("Reads one variable with nothing but the system.");
+    CLI::App program("Reads one variable with system calls only.");
     const PollTask task(program);
     int silence = 0;
     int leastTime = 0;
-    program.add_option("--silence", silence, "microseconds between a reply and the next request");
+    program.add_option("--silence", silence, "Silent interval between reply and request in us");
     program.add_option("--least-time", leastTime,
-                       "microseconds from a request to the end of its reply: less is an error");
+                       "Least time from a request to the end of its reply in us; less is an error");
     CLI11_PARSE(program, argc, argv);
     poll(task, microseconds(silence), microseconds(leastTime));
     return 0;

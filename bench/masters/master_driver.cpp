@@ -1,7 +1,8 @@
-// A master that has the driver do its work: the file is loaded as a panel's runtime does, and the
-// loop around it is as short as it can be.
+// A minimal master with the driver: it loads the library as a panel's runtime does, and its loop is as
+// short as possible.
 //
-// No silence is kept between frames, as libmodbus keeps none: both are for a line that takes no time.
+// It keeps no silent interval between frames, because libmodbus does not: both run on a line without
+// transmission time.
 #include "bench/masters/poll_task.h"
 #include "bench/masters/raw_port.h"
 #include "host/core/loading/driver_library.h"
@@ -56,10 +57,10 @@ private:
         const QByteArray reply = QByteArray::fromRawData(m_port.bytes(), count);
         const int result = m_driver.DataCom(&reply, count)->retCode;
         if (result != RESULT_GOOD)
-            throw std::runtime_error("the driver's verdict is " + std::to_string(result));
+            throw std::runtime_error("DataCom returned result " + std::to_string(result));
     }
 
-    // As a screen does: each variable by its address text.
+    // Reads each variable by its address text, as a screen does.
     void takeValues()
     {
         size_t place = 0;
@@ -68,8 +69,8 @@ private:
             m_driver.GetRegisterData(0, item.kind, item.addrText, STATION, &bytes, item.length);
             const auto registers = static_cast<size_t>(bytes.size()) / sizeof(uint16_t);
             if (place + registers > m_values.size())
-                throw std::runtime_error("the driver returns more than was asked for");
-            // Low byte first, as this machine has it.
+                throw std::runtime_error("the driver returned more registers than requested");
+            // Low byte first, as on this machine.
             std::memcpy(&m_values[place], bytes.constData(), registers * sizeof(uint16_t));
             place += registers;
         }
@@ -89,7 +90,8 @@ int run(int argc, char **argv)
     CLI::App program("Reads variables with the driver.");
     const PollTask task(program);
     std::string library;
-    program.add_option("--library", library, "the driver's file, with a /")->required();
+    program.add_option("--library", library, "Driver library file; the path contains a slash")
+        ->required();
     CLI11_PARSE(program, argc, argv);
     DriverMaster(library, task).run(task.cycles());
     return 0;

@@ -1,7 +1,7 @@
-// The same reads with libmodbus: one call for each variable, or with --grouped one for each 125
-// registers, the groups and the places of the variables in them being worked out ahead.
+// The same reads with libmodbus: one call per variable or, with --grouped, one call per 125 registers.
+// The groups, and the places of the variables in them, are computed in advance.
 //
-// libmodbus keeps no silence between frames; neither does the master that it is compared with.
+// libmodbus keeps no silent interval between frames; neither does the master with the driver.
 #include "bench/masters/poll_task.h"
 
 #include <modbus.h>
@@ -15,13 +15,13 @@
 namespace
 {
 
-// One call, and where in the image its registers go.
+// One call, and the place in the image for its registers.
 struct Group {
     Place place;
     size_t offset;
 };
 
-// One variable's registers in the image.
+// The registers of one variable in the image.
 struct Source {
     size_t offset;
     size_t count;
@@ -29,7 +29,7 @@ struct Source {
 
 struct Grouping {
     std::vector<Group> groups;
-    std::vector<Source> sources; // of the variables, in their order
+    std::vector<Source> sources; // one per variable, in the same order
     size_t registers = 0;
 };
 
@@ -38,7 +38,7 @@ bool isBefore(const Place &one, const Place &other)
     return one.isInput != other.isInput ? one.isInput : one.first < other.first;
 }
 
-// True when the group was made longer to hold the place, where that is needed.
+// Extends the group to include the place if possible. Returns false if it is not.
 bool takes(Group &group, const Place &place)
 {
     const int end = place.first + place.count;
@@ -70,7 +70,7 @@ Grouping grouped(const std::vector<Place> &places)
     return grouping;
 }
 
-// Each call's registers are those of one variable.
+// Makes one group per variable.
 Grouping single(const std::vector<Place> &places)
 {
     Grouping grouping;
@@ -138,7 +138,7 @@ private:
 
     std::unique_ptr<modbus_t, decltype(&modbus_free)> m_context;
     Grouping m_grouping;
-    std::vector<uint16_t> m_image; // what the calls fill
+    std::vector<uint16_t> m_image; // filled by the calls
     std::vector<uint16_t> m_expected;
     std::vector<uint16_t> m_values;
 };
@@ -148,7 +148,7 @@ int run(int argc, char **argv)
     CLI::App program("Reads variables with libmodbus.");
     const PollTask task(program);
     bool isGrouped = false;
-    program.add_flag("--grouped", isGrouped, "read up to 125 registers with one call");
+    program.add_flag("--grouped", isGrouped, "Read up to 125 registers with one call");
     CLI11_PARSE(program, argc, argv);
     LibmodbusMaster(task, isGrouped).run(task.cycles());
     return 0;

@@ -1,4 +1,4 @@
-// Where variables stand in the simulated PLC, and what it holds there.
+// The registers of variables in the simulated PLC, and their values.
 #pragma once
 
 #include "velko_modbus_rtu.h"
@@ -6,19 +6,19 @@
 #include <cstdint>
 #include <vector>
 
-/// The only station that is asked.
+/// The only station that is polled.
 const int STATION = 1;
 
-/// A variable as a request names it.
+/// The registers of a variable, as a request addresses them.
 struct Place {
-    bool isInput; ///< function 04; else 03
-    int first;    ///< register on the line
-    int count;    ///< registers
+    bool isInput; ///< function 04; otherwise 03
+    int first;    ///< register address
+    int count;    ///< number of registers
 };
 
-/// Words and double words alone; throws std::invalid_argument for other kinds.
+/// Accepts only words and double words; throws std::invalid_argument for other kinds.
 Place placeOf(const VAR_ITEM &item);
 
-/// The registers of all places, in their order, as the PLC holds them from its start on. The input
-/// registers that it moves (0 to 4) throw std::invalid_argument.
+/// Returns the initial values of all places in the PLC, in order. Throws std::invalid_argument for the
+/// input registers that the PLC changes by itself (0 to 4).
 std::vector<uint16_t> plcValues(const std::vector<Place> &places);

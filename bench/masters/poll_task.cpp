@@ -8,15 +8,17 @@
 
 PollTask::PollTask(CLI::App &program)
 {
-    program.add_option("device", m_device, "serial device of the slave, made raw")->required();
-    program.add_option("--cycles", m_cycles, "how often each variable is read")
+    program.add_option("device", m_device, "Serial device of the slave")->required();
+    program.add_option("--cycles", m_cycles, "Number of reads of each variable")
         ->check(CLI::Range(1, 10000000));
     program
-        .add_option("--registers", m_registers, "one variable of so many words, from register 0")
+        .add_option("--registers", m_registers,
+                    "Read one variable of this many words, from register 0")
         ->check(CLI::Range(1, 125));
-    program.add_option("--variables", m_variables, "a dense set of so many variables instead")
+    program
+        .add_option("--variables", m_variables, "Read a dense set of this many variables instead")
         ->check(CLI::Range(1, 100000));
-    program.add_option("--seed", m_seed, "the set's");
+    program.add_option("--seed", m_seed, "Seed of the set");
 }
 
 QList<VAR_ITEM> PollTask::items() const
@@ -46,7 +48,7 @@ void requireSame(const std::vector<uint16_t> &values, const std::vector<uint16_t
         return;
     const auto difference =
         std::mismatch(values.begin(), values.end(), expected.begin(), expected.end());
-    throw std::runtime_error("the value at place "
-                             + std::to_string(difference.first - values.begin()) + " of "
-                             + std::to_string(expected.size()) + " is not that of the PLC");
+    throw std::runtime_error("value " + std::to_string(difference.first - values.begin() + 1)
+                             + " of " + std::to_string(expected.size())
+                             + " differs from the PLC's");
 }

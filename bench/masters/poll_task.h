@@ -1,4 +1,4 @@
-// What a small master is told to do: read variables again and again, and check their values.
+// The task of a small master: read variables repeatedly and check their values.
 #pragma once
 
 #include "bench/masters/plc_values.h"
@@ -10,13 +10,13 @@
 class PollTask
 {
 public:
-    /// Adds its options; the program outlives the task.
+    /// Adds its options to the program, which outlives the task.
     explicit PollTask(CLI::App &program);
 
     const std::string &device() const { return m_device; }
     int cycles() const { return m_cycles; }
 
-    /// One variable of so many words, or a set of variables.
+    /// Returns one variable of --registers words, or a set of --variables variables.
     QList<VAR_ITEM> items() const;
 
 private:
@@ -27,9 +27,9 @@ private:
     unsigned m_seed = 1;
 };
 
-/// The exit status of the program whose body is `run`: what that returns, or 1 when it throws; the
-/// reason is told on standard error.
+/// Calls `run` and returns its result as exit status. If it throws, prints the reason to standard error
+/// and returns 1.
 int exitStatusOf(int (*run)(int argc, char **argv), int argc, char **argv);
 
-/// Throws std::runtime_error when the values that were read are not those of the PLC.
+/// Throws std::runtime_error if the values read differ from the PLC's.
 void requireSame(const std::vector<uint16_t> &values, const std::vector<uint16_t> &expected);

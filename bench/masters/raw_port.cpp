@@ -25,7 +25,7 @@ RawPort::RawPort(const std::string &device)
     : m_fd(::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK))
 {
     if (m_fd < 0)
-        fail(device + " cannot be opened");
+        fail("cannot open " + device);
     termios settings{};
     if (::tcgetattr(m_fd, &settings) == 0) {
         ::cfmakeraw(&settings);
@@ -33,7 +33,7 @@ RawPort::RawPort(const std::string &device)
             return;
     }
     ::close(m_fd);
-    fail(device + " cannot be made raw");
+    fail("cannot set " + device + " to raw mode");
 }
 
 RawPort::~RawPort()
@@ -44,13 +44,13 @@ RawPort::~RawPort()
 void RawPort::write(const char *bytes, int count) const
 {
     if (::write(m_fd, bytes, static_cast<size_t>(count)) != count)
-        fail("the port does not take a frame");
+        fail("cannot write a frame to the port");
 }
 
 int RawPort::read(int expected)
 {
     if (expected < 0 || static_cast<size_t>(expected) > m_bytes.size())
-        throw std::runtime_error("no frame has " + std::to_string(expected) + " bytes");
+        throw std::runtime_error("invalid frame length: " + std::to_string(expected) + " bytes");
     int count = 0;
     while (count < expected) {
         pollfd input = {m_fd, POLLIN, 0};
@@ -59,7 +59,7 @@ int RawPort::read(int expected)
         const ssize_t got =
             ::read(m_fd, m_bytes.data() + count, static_cast<size_t>(expected - count));
         if (got <= 0)
-            fail("the port has gone");
+            fail("the port is disconnected");
         count += static_cast<int>(got);
     }
     return count;

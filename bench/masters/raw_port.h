@@ -1,4 +1,4 @@
-// A serial port as a small master uses it: bytes out, and in until the expected number is there.
+// A serial port for a small master: writes bytes, and reads until the expected number has arrived.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 class RawPort
 {
 public:
-    /// Opens the device and makes it raw. Throws std::runtime_error.
+    /// Opens the device and sets it to raw mode. Throws std::runtime_error.
     explicit RawPort(const std::string &device);
     ~RawPort();
     RawPort(const RawPort &) = delete;
@@ -16,8 +16,8 @@ public:
     /// Throws std::runtime_error.
     void write(const char *bytes, int count) const;
 
-    /// Reads into bytes(), until `expected` bytes are there or none came for a second. Returns their
-    /// number. Throws std::runtime_error.
+    /// Reads into bytes() until `expected` bytes have arrived or no byte arrives for one second. Returns
+    /// the number of bytes. Throws std::runtime_error.
     int read(int expected);
     const char *bytes() const { return m_bytes.data(); }
 

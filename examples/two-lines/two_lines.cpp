@@ -1,8 +1,8 @@
-// Two serial lines on one panel: each has a copy of the driver of its own, in one process.
+// Two serial lines on one panel, in one process: each line has its own copy of the driver.
 //
 //   two_lines LIBRARY DEVICE DEVICE
 //
-// On each line it writes holding register 100 of station 1, another value on each, and reads the
+// On each line, the program writes a different value to holding register 100 of station 1, and reads
 // registers 100 to 103 for two seconds.
 #include <velko_modbus_rtu.h>
 
@@ -20,8 +20,8 @@
 #include <stdexcept>
 #include <string>
 
-// A loaded copy of the driver. The loader gives one file only once, so each line loads a copy of the
-// file; linked hosts, or two handles of the same file, would share one set of lists and values.
+// A loaded copy of the driver. The loader loads a file only once, so each line loads a copy of the file.
+// A linked host, or two handles of the same file, would share one set of lists and values.
 class DriverCopy
 {
 public:
@@ -46,7 +46,7 @@ private:
 
     static Handle loadCopy(const QString &library)
     {
-        const QTemporaryDir folder; // goes with its file, which needs no name once it is loaded
+        const QTemporaryDir folder; // removed at the end of the scope; the loaded file stays usable
         const QString copy = folder.filePath("driver.so");
         if (!QFile::copy(library, copy))
             throw std::runtime_error("cannot copy " + library.toStdString() + " to "
@@ -61,13 +61,13 @@ private:
     {
         function = reinterpret_cast<Function>(dlsym(m_handle.get(), name));
         if (!function)
-            throw std::runtime_error(std::string("the driver lacks ") + name);
+            throw std::runtime_error(std::string("the library does not export ") + name);
     }
 
     Handle m_handle;
 };
 
-// One line: its port, its copy of the driver and the one thread that talks.
+// One line: its port, its copy of the driver and its communication thread.
 class Line : public QThread
 {
 public:
@@ -86,7 +86,7 @@ public:
         m_driver.ReCreatReadVarList(&items);
     }
 
-    // From any thread: both take the driver's locks.
+    // write() and read() can be called from any thread: they take the driver's locks.
     void write(int value)
     {
         const char bytes[] = {static_cast<char>(value & 0xFF), static_cast<char>(value >> 8)};
@@ -103,7 +103,7 @@ public:
                + 256 * static_cast<unsigned char>(value.at(1));
     }
 
-    // When the thread has ended.
+    // Valid after the thread has ended.
     int good() const { return m_good; }
     int sent() const { return m_sent; }
     QString error() const { return m_error; }
@@ -121,24 +121,24 @@ protected:
         for (time.start(); time.elapsed() < 2000;) {
             const Protocol *const request = m_driver.ComCommunication();
             if (!request) {
-                msleep(1); // nothing in this turn
+                msleep(1); // no request in this turn
                 continue;
             }
-            msleep(5); // more than the silence of 3.5 characters between two frames
+            msleep(5); // more than the silent interval of 3.5 characters
             const QByteArray reply = exchange(port, request->frame, request->replyLen);
             ++m_sent;
             const int verdict = m_driver.DataCom(&reply, reply.size())->retCode;
             if (verdict == RESULT_GOOD)
                 ++m_good;
             if (verdict != RESULT_WILL_REPEAT)
-                m_info.retryCount = 0; // each request fails for its own failures only
+                m_info.retryCount = 0; // count the failures of each request separately
         }
     }
 
 private:
     static QByteArray exchange(QSerialPort &port, const QByteArray &frame, int replyLength)
     {
-        port.clear(QSerialPort::Input); // a late answer belongs to nobody
+        port.clear(QSerialPort::Input); // discard a late reply
         port.write(frame);
         port.waitForBytesWritten(100);
         QByteArray reply;
