@@ -1,5 +1,5 @@
-// Runs the cases of tests/cases: scripts of calls to a freshly loaded driver with what each must
-// give. tests/cases/README.md describes their language.
+// Runs the cases in tests/cases: scripts of calls to a freshly loaded driver, with the expected results.
+// tests/cases/README.md describes their language.
 #include "tests/driver_under_test.h"
 #include "tests/script.h"
 
@@ -20,7 +20,7 @@ QString describe(const RW_VAR &var)
     // clang-format on
 }
 
-/// "6[0,4) 7[10,42)": area or kind, first and last address of each record.
+/// "6[0,4) 7[10,42)": area or kind, first address and end of each record.
 QString ranges(const QList<RW_VAR> &list)
 {
     QStringList texts;
@@ -54,7 +54,7 @@ class Runner : public ScriptRunner, DriverUnderTest
                                 : core.readList;
     }
 
-    /// Null for the word "null".
+    /// Returns null for the word "null".
     std::unique_ptr<RW_VAR> record(int rwFlag, Words &words) const
     {
         if (words.takeNull())
@@ -127,7 +127,7 @@ class Runner : public ScriptRunner, DriverUnderTest
         return QString::number(verdict->retCode);
     }
 
-    /// Takes one request off the line, well answered; what it was.
+    /// Answers all frames of one request with good replies. Returns the first frame.
     QString serve()
     {
         QString frame = QString::fromStdString(next());
@@ -139,7 +139,7 @@ class Runner : public ScriptRunner, DriverUnderTest
         return frame;
     }
 
-    /// A letter per turn: Write, Once (input area), Cyclic (holding area), or - for none.
+    /// Returns one letter per turn: Write, Once (input area), Cyclic (holding area), or - for none.
     QString turns(int count)
     {
         QString letters;

@@ -45,7 +45,7 @@ RW_VAR CheckedLine::recordOf(const PolledVariable &variable, int ownerId, int ow
     return record;
 }
 
-// --- What the host asks for ---
+// --- Calls of the host ---
 
 void CheckedLine::rebuild(const std::vector<PolledVariable> &items)
 {
@@ -125,7 +125,7 @@ void CheckedLine::passTime()
 
 // --- One exchange ---
 
-// The list that a new request comes from; null when nothing is due.
+// Returns the list that the next request comes from, or null if nothing is due.
 QueueModel *CheckedLine::takeTurn()
 {
     if (!m_writes.entries.empty() && m_writeBurst++ < 5 && m_writes.due(m_disabled))
@@ -144,8 +144,8 @@ void CheckedLine::begin(const Protocol &sent)
     EXPECT_EQ(std::make_tuple(var.ownerId, var.ownerTag, var.station, var.varKind, var.count),
               std::make_tuple(m_request.ownerId, m_request.ownerTag, m_request.station,
                               m_request.varKind, m_request.count))
-        << "out of order";
-    EXPECT_TRUE(isRmwRead(var) || var.addr == m_request.addr) << "out of order";
+        << "wrong order";
+    EXPECT_TRUE(isRmwRead(var) || var.addr == m_request.addr) << "wrong order";
     EXPECT_EQ(m_source == &m_writes, isRmwRead(var) || var.rwFlag == REQUEST_WRITE);
 }
 
@@ -183,8 +183,8 @@ void CheckedLine::exchange(LineFault fault, int bit)
     else if (m_repeats)
         EXPECT_EQ(sent.frame, m_lastFrame);
     else
-        EXPECT_EQ(sent.var.rwFlag, REQUEST_WRITE) << "the write half follows its read";
-    EXPECT_TRUE(showsWrite || m_store == beforeTurn) << "shown though no write was built";
+        EXPECT_EQ(sent.var.rwFlag, REQUEST_WRITE) << "the write frame must follow its read";
+    EXPECT_TRUE(showsWrite || m_store == beforeTurn) << "the store changed without a write request";
     m_lastFrame = sent.frame;
     replyBytes = sent.replyLen;
     ++exchanges;
@@ -208,7 +208,7 @@ void CheckedLine::exchange(LineFault fault, int bit)
     if (fault == NO_FAULT && sent.var.rwFlag == REQUEST_READ && !isRmwRead(sent.var))
         expectStored(sent.var.station, sent.var.varKind, {sent.var.addr, sent.var.count});
     else
-        EXPECT_EQ(m_store, before) << "stored what no read brought";
+        EXPECT_EQ(m_store, before) << "the store changed without a good read";
 }
 
 std::string CheckedLine::expectFailure(LineFault fault, int verdict)
@@ -231,7 +231,7 @@ std::string CheckedLine::endRequest(bool good)
     return m_source == &m_cyclic ? m_source->rotate(good) : m_source->end(link, good);
 }
 
-// --- After all ---
+// --- Final state ---
 
 void CheckedLine::expectStored(int station, int area, const Range &range)
 {
@@ -247,8 +247,8 @@ void CheckedLine::expectStored(int station, int area, const Range &range)
 
 void CheckedLine::finishAndCheck()
 {
-    // A turn may end a burst and send nothing, a request takes two frames, and a cyclic read may
-    // come after every fifth.
+    // A turn may end a burst without a frame, a request can take two frames, and a cyclic read can come
+    // after every fifth request.
     for (size_t turns = 4 * queued() + 20; turns > 0 && (queued() > 0 || m_framesLeft > 0); --turns)
         exchange();
     EXPECT_EQ(queued(), 0);
@@ -258,7 +258,7 @@ void CheckedLine::finishAndCheck()
         exchange();
     EXPECT_TRUE(core.pendingList.isEmpty());
     EXPECT_TRUE(m_slaves == m_expected)
-        << "a register that nobody wrote has changed, or the reverse";
+        << "a register changed without a write, or a write did not change it";
     for (const PolledVariable &variable : m_polled) {
         if (m_disabled.count(variable.station) == 0)
             expectStored(variable.station, areaOf(variable.kind), rangeOf(variable));

@@ -1,5 +1,5 @@
-// A line in virtual time: the driver on one side, slaves on the other, faults between them. Each
-// exchange is held against what the host's header promises; what differs fails the test.
+// A line in virtual time, with the driver on one side, slaves on the other, and faults between them.
+// Each exchange is compared with what the host's header promises; every difference fails the test.
 #pragma once
 
 #include "tests/driver_under_test.h"
@@ -28,26 +28,26 @@ class CheckedLine : public DriverUnderTest
 public:
     CheckedLine();
 
-    // What a host asks for. The values of writes follow from `random`.
-    void rebuild(const std::vector<PolledVariable> &items); ///< of defaultStation
+    // Calls of a host. The values of writes are derived from `random`.
+    void rebuild(const std::vector<PolledVariable> &items); ///< uses defaultStation
     void poll(const PolledVariable &registers);
     void set(const PolledVariable &target, int ownerId, int ownerTag, unsigned random);
     void once(const PolledVariable &target, int ownerId, int ownerTag);
     void enable(int station, bool enabled);
 
-    /// One turn, with one frame or none. `bit` is counted modulo the bits of the reply.
+    /// Runs one turn, with one frame or none. `bit` counts modulo the bits of the reply.
     void exchange(LineFault fault = NO_FAULT, int bit = 0);
 
-    /// Good exchanges until the queues are empty, then one full pass, then all that must hold.
+    /// Makes good exchanges until the queues are empty, then one full cycle, and checks the final state.
     void finishAndCheck();
 
-    /// The slaves change their registers, but not between the halves of a read-modify-write.
+    /// Changes the slaves' registers, but not between the two frames of a read-modify-write.
     void passTime();
 
     size_t queued() const { return m_writes.entries.size() + m_onceReads.entries.size(); }
 
     int exchanges = 0;
-    int replyBytes = 0; ///< that the last request asked for
+    int replyBytes = 0; ///< expected length of the last reply
 
 private:
     struct Range {
@@ -66,7 +66,7 @@ private:
 
     const StationImages &m_store;
     SlaveMemory m_slaves;
-    SlaveMemory m_expected; // what the writes that reached a slave mean
+    SlaveMemory m_expected; // result of the writes that reached a slave
     QueueModel m_writes;
     QueueModel m_onceReads;
     QueueModel m_cyclic;
@@ -75,7 +75,7 @@ private:
     std::set<int> m_disabled;
     std::vector<PolledVariable> m_polled;
 
-    QueueModel *m_source = nullptr; // of the request in progress
+    QueueModel *m_source = nullptr; // list of the request in progress
     RW_VAR m_request;
     QByteArray m_lastFrame;
     int m_framesLeft = 0;

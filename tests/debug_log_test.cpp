@@ -1,4 +1,4 @@
-// The message handler that a host may install.
+// The message handler that a host can install.
 #include "tests/driver_under_test.h"
 
 #include <QDir>
@@ -13,7 +13,7 @@
 namespace
 {
 
-// Qt 5 hands its handler a context and a string; the driver's has the signature of Qt 4.
+// Qt 5 passes a context and a string to its handler; the driver's handler has the signature of Qt 4.
 decltype(&customMessageHandler) installed = nullptr;
 
 void onMessage(QtMsgType type, const QMessageLogContext &, const QString &message)
@@ -21,11 +21,11 @@ void onMessage(QtMsgType type, const QMessageLogContext &, const QString &messag
     installed(type, message.toLatin1().constData());
 }
 
-int complaints = 0;
+int countedMessages = 0;
 
 void countMessage(QtMsgType, const QMessageLogContext &, const QString &)
 {
-    ++complaints;
+    ++countedMessages;
 }
 
 } // namespace
@@ -82,7 +82,7 @@ TEST_F(DebugLogTest, MillisecondsHaveNoLeadingZeros)
     EXPECT_PRED2(matches, log(), "@early\n");
 }
 
-TEST_F(DebugLogTest, AFileThatCannotBeOpened)
+TEST_F(DebugLogTest, FileCannotBeOpened)
 {
     ASSERT_TRUE(QDir().mkdir("debug.log"));
     installed = driver.customMessageHandler;
@@ -91,18 +91,18 @@ TEST_F(DebugLogTest, AFileThatCannotBeOpened)
     qInstallMessageHandler(countMessage);
     driver.customMessageHandler(QtDebugMsg, "lost silently");
     qInstallMessageHandler(previous);
-    EXPECT_EQ(complaints, 0);
+    EXPECT_EQ(countedMessages, 0);
     ASSERT_TRUE(QDir().rmdir("debug.log"));
     QFile kept("debug.log");
     ASSERT_TRUE(kept.open(QIODevice::WriteOnly) && kept.write("kept\n") == 5);
     kept.close();
     driver.customMessageHandler(QtDebugMsg, "second");
-    EXPECT_PRED2(matches, log(), "kept\n@second\n") << "only the first call may empty the file";
+    EXPECT_PRED2(matches, log(), "kept\n@second\n") << "only the first call truncates the file";
 }
 
 TEST_F(DebugLogTest, LinesOfSeveralThreadsDoNotMix)
 {
-    const QByteArray message(20000, 'x'); // longer than what a stream writes at once
+    const QByteArray message(20000, 'x'); // longer than a stream writes at once
     const auto logTwentyFive = [&] {
         for (int i = 0; i < 25; ++i)
             driver.customMessageHandler(QtDebugMsg, message.constData());

@@ -1,4 +1,4 @@
-// A freshly loaded driver, spoken to by its exported names, with a link that tests start from.
+// A freshly loaded driver, called by its exported names, with the settings that the tests start from.
 #pragma once
 
 #include "driver/modbus_rtu_master.h"
@@ -8,26 +8,26 @@
 
 #include <string>
 
-// Answers that fit any one-register read, and any function 16 write: station and register numbers
-// of a reply are not looked at.
+// Replies that fit every one-register read and every function 16 write: the driver does not check station
+// and register address of a reply.
 const char *const GOOD_READ = "01 03 02 00 2A 39 9B";
 const char *const GOOD_WRITE = "01 10 00 00 00 01 01 C9";
 
 /// maxRegs 32, defaultStation 1, retryLimit 0, localArea 4, device mode, linkId 9, callbacks
-/// registered. One at a time: the callbacks carry no pointer of their own.
+/// registered. Only one object may exist at a time, because the callbacks have no context pointer.
 struct DriverUnderTest {
     DriverUnderTest();
 
-    /// The frame that goes out next, as hex; "none".
+    /// Returns the next frame as hex, or "none".
     std::string next();
 
-    /// DataCom's verdict on an answer.
+    /// Passes a reply and returns DataCom's result.
     int answer(const QByteArray &reply, int length);
     int answer(const char *hex);
 
     int rebuild(const char *items);
 
-    /// The callbacks since the last call: "done LINK OWNER TAG STATUS, fail OWNER FLAG"; "none".
+    /// Returns the callbacks since the last call: "done LINK OWNER TAG STATUS, fail OWNER FLAG", or "none".
     std::string takeEvents();
 
     ComInfo link;
@@ -42,14 +42,14 @@ class DriverTest : public ::testing::Test, protected DriverUnderTest
 /// "7:10:2 1:24.3:1": kind, address text and length of each item.
 QList<VAR_ITEM> itemsFrom(const QString &text);
 
-/// Under the sanitizers and in emulation runs are shorter.
+/// Runs are shorter under the sanitizers and in emulation.
 #if defined(__SANITIZE_ADDRESS__) || defined(__arm__)
 const bool SLOW_MACHINE = true;
 #else
 const bool SLOW_MACHINE = false;
 #endif
 
-/// A positive number from the environment, for longer runs than those of the tests.
+/// Returns a positive number from the environment variable, for longer runs, or `otherwise`.
 int numberFrom(const char *variable, int otherwise);
 
 QByteArray bytesFrom(const char *hex);

@@ -1,4 +1,4 @@
-// Every fault at every place: a mixed run in which one exchange fails, and long runs in which many do.
+// Every fault in every exchange: a mixed run in which one exchange fails, and long runs in which many fail.
 #include "tests/checked_line.h"
 
 #include <malloc.h>
@@ -12,7 +12,7 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes(); // Debian packages 
 namespace
 {
 
-/// What the host asks for before a given exchange. Station 4 stays disabled, 3 does not.
+/// Makes the calls of the host before a given exchange. Station 4 stays disabled, station 3 does not.
 void actBefore(int exchange, CheckedLine &line)
 {
     switch (exchange) {
@@ -29,8 +29,8 @@ void actBefore(int exchange, CheckedLine &line)
         line.poll({KIND_INPUT_WORD, "5", 2, 2});
         break;
     case 2:
-        line.set({KIND_HOLDING_BIT, "1.6", 1, 3}, 3, 1, 71); // the last of register 0, one of 1
-        line.set({KIND_HOLDING_BYTE, "3", 1, 2}, 4, 2, 72);  // beside that one
+        line.set({KIND_HOLDING_BIT, "1.6", 1, 3}, 3, 1, 71); // last bits of register 0, one of 1
+        line.set({KIND_HOLDING_BYTE, "3", 1, 2}, 4, 2, 72);  // next to that bit
         line.once({KIND_INPUT_WORD, "30", 1, 8}, 5, 3);
         break;
     case 5:
@@ -38,10 +38,10 @@ void actBefore(int exchange, CheckedLine &line)
         line.set({KIND_HOLDING_5000_BIT, "5.0", 2, 1}, 7, 5, 74);
         line.set({KIND_HOLDING_WORD, "21", 3, 2}, 8, 6, 75);
         line.once({KIND_HOLDING_5000_BIT, "8.6", 2, 30}, 9, 7);
-        line.once({KIND_HOLDING_5000_BIT, "8.6", 2, 30}, 9, 7); // queued already
+        line.once({KIND_HOLDING_5000_BIT, "8.6", 2, 30}, 9, 7); // already queued
         break;
     case 8:
-        line.set({KIND_HOLDING_WORD, "100", 1, 14}, 12, 8, 76); // newer values for what waits
+        line.set({KIND_HOLDING_WORD, "100", 1, 14}, 12, 8, 76); // replaces a queued write
         line.set({KIND_HOLDING_5000_BYTE, "81", 2, 1}, 3, 1, 77);
         line.set({KIND_HOLDING_DWORD, "10", 2, 3}, 3, 1, 78); // ends together with the one above
         line.set({KIND_HOLDING_5000_DWORD, "2", 1, 8}, -5, 9, 79);
@@ -65,13 +65,13 @@ struct SweepRow {
     int lasting; // failed exchanges
 };
 
-// Becomes part of the test's name.
+// The output becomes part of the test's name.
 void PrintTo(const SweepRow &row, std::ostream *out)
 {
     *out << "limit" << row.retryLimit << "_perVar" << row.perVarStation << "_failed" << row.lasting;
 }
 
-/// A mixed run; its exchange `failing` fails. Returns the bytes of that one's reply.
+/// Makes a mixed run in which exchange `failing` fails. Returns the length of its reply.
 int mixedRun(const SweepRow &row, int exchanges, int failing, LineFault fault, int bit)
 {
     CheckedLine line;
@@ -94,8 +94,8 @@ int mixedRun(const SweepRow &row, int exchanges, int failing, LineFault fault, i
     return bytes;
 }
 
-// The allocator counts the blocks that it keeps for the next request of their size as used, up to some
-// hundred thousand bytes. One leaked block in fifty exchanges would pass this.
+// The allocator counts the free blocks that it keeps for reuse as used, up to some hundred thousand bytes.
+// A leak of one block in fifty exchanges exceeds this limit.
 const size_t MOST_GROWTH = 524288;
 
 size_t bytesInUse()
@@ -130,7 +130,7 @@ TEST_P(FaultSweep, OfAMixedRun)
             ASSERT_GT(bits, 0);
         }
     }
-    std::cout << runs << " runs of " << exchanges << " exchanges, one of them failing\n";
+    std::cout << runs << " runs of " << exchanges << " exchanges with one fault each\n";
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, FaultSweep,
@@ -145,7 +145,7 @@ class RandomHost
 public:
     RandomHost(CheckedLine &line, int seed) : m_line(line), m_random(static_cast<unsigned>(seed)) {}
 
-    /// Now and then asks for something; owners are few, so that their requests meet in the queues.
+    /// Makes a call from time to time. There are few owners, so that their requests meet in the queues.
     void act()
     {
         const PolledVariable target = some();
@@ -160,7 +160,7 @@ public:
             m_line.link.retryLimit = below(4);
         } else if (choice == 3) {
             m_line.passTime();
-        } else if (choice == 4 && below(50) == 0) { // more than the queue has room for
+        } else if (choice == 4 && below(50) == 0) { // more than fits into the queue
             m_line.set({KIND_HOLDING_BIT, "0.0", target.station, 1200}, below(14), below(3), 1);
         } else if (choice < 10 || (choice < 30 && target.kind % 3 == 0)) {
             m_line.once(target, below(14), below(3));
@@ -169,7 +169,7 @@ public:
         }
     }
 
-    /// One exchange of twelve fails; now and then the cable is out for a while.
+    /// Makes one exchange. One exchange in twelve fails; sometimes the cable is disconnected for a while.
     void exchange()
     {
         if (m_untilCableIsBack-- == 0)
@@ -180,7 +180,7 @@ public:
         m_line.exchange(static_cast<LineFault>(fault), below(10000));
     }
 
-    /// Every station answers again.
+    /// Enables all stations and checks the final state.
     void settle()
     {
         for (int station = 1; station <= 3; ++station)
@@ -208,7 +208,7 @@ private:
 
 } // namespace
 
-TEST(RandomFaults, LoseNothingAndInventNothing)
+TEST(RandomFaults, NoRequestIsLostOrInvented)
 {
     const int exchanges = numberFrom("VELKO_EXCHANGES", SLOW_MACHINE ? 60000 : 1000000);
     const int seed = numberFrom("VELKO_SEED", 20);

@@ -1,4 +1,4 @@
-// The library as a file: loading, unloading, two copies, its records and its data.
+// The library as a file: loading, unloading, two copies, records and data.
 #include "tests/driver_under_test.h"
 
 #include <QFile>
@@ -34,7 +34,7 @@ void exchangeOnce(const velko::DriverLibrary &driver, ComInfo &link)
 
 } // namespace
 
-TEST(LibraryFile, IsLoadedUsedAndUnloadedAgainAndAgain)
+TEST(LibraryFile, CanBeLoadedUsedAndUnloadedRepeatedly)
 {
     for (int i = 0; i < 300; ++i) {
         {
@@ -52,7 +52,7 @@ TEST(LibraryFile, IsLoadedUsedAndUnloadedAgainAndAgain)
     }
 }
 
-// A host's program holds the numbers, not the names.
+// A compiled host contains the numbers, not the names.
 TEST(LibraryFile, KindsKeepTheirNumbers)
 {
     const int kinds[] = {KIND_INPUT_BIT,   KIND_HOLDING_BIT,   KIND_HOLDING_5000_BIT,
@@ -89,11 +89,12 @@ TEST(LibraryFile, TwoCopiesShareNothing)
         first.SetRegisterData("", KIND_HOLDING_WORD, "0", 1, &written, 1, 0, 0);
         EXPECT_TRUE(core.writeList.isEmpty());
         first.EnCommStation(1, 0);
-        EXPECT_NE(second.ComCommunication(), nullptr) << "its station is still enabled";
+        EXPECT_NE(second.ComCommunication(), nullptr)
+            << "station 1 of the second copy must still be enabled";
 
         QByteArray value;
         first.GetRegisterData(0, KIND_HOLDING_WORD, "0", 1, &value, 1);
-        EXPECT_EQ(hexFrom(value), "34 12"); // the failed exchange has it shown at once
+        EXPECT_EQ(hexFrom(value), "34 12"); // after the failed exchange, the store shows it at once
         second.GetRegisterData(0, KIND_HOLDING_WORD, "0", 2, &value, 1);
         EXPECT_EQ(hexFrom(value), "00 00");
     }
@@ -101,8 +102,8 @@ TEST(LibraryFile, TwoCopiesShareNothing)
     EXPECT_FALSE(isLoaded(qPrintable(copy)));
 }
 
-// A host that sets a few fields counts on the others.
-TEST(HostHeader, RecordsBeginWithZeros)
+// A host that sets only some fields relies on the others being 0.
+TEST(HostHeader, RecordsAreInitializedToZero)
 {
     const ComInfo info;
     const int *const words = reinterpret_cast<const int *>(&info);
@@ -123,7 +124,7 @@ TEST(HostHeader, RecordsBeginWithZeros)
         EXPECT_EQ(byte, 0);
 }
 
-TEST_F(LibraryTest, SetUpCalls)
+TEST_F(LibraryTest, SetupCalls)
 {
     EXPECT_EQ(driver.QueryFinishFlag(), 1);
     int targets[3];

@@ -1,4 +1,4 @@
-// As much as a line can have: every register, every station. docs/limits.md describes what is beyond.
+// The largest possible line: every register and every station. docs/limits.md describes the limits.
 #include "tests/checked_line.h"
 
 namespace
@@ -14,8 +14,8 @@ TEST(Limits, EveryRegisterOfEveryAreaIsReadAndWritten)
         SCOPED_TRACE(maxRegs);
         CheckedLine line;
         line.link.maxRegs = maxRegs;
-        const int first = maxRegs == 1 ? 60000 : 0; // one by one, the last ones shall do
-        // The third area's numbers pass 65,535 on the line from register 60,536 on.
+        const int first = maxRegs == 1 ? 60000 : 0; // one by one: only the last registers
+        // In the third area, addresses exceed 65,535 from register 60,536 on.
         line.rebuild({{KIND_INPUT_WORD, QString::number(first), 1, 65536 - first},
                       {KIND_HOLDING_WORD, QString::number(first), 1, 65536 - first},
                       {KIND_HOLDING_5000_DWORD, QString::number(first / 2), 1, 60536 - first}});

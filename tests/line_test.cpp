@@ -1,4 +1,4 @@
-// The serial line against the simulated PLC: silence, time-outs, rests, what is let through.
+// The serial line with the simulated PLC: silent interval, timeouts, guard time, and which bytes pass.
 #include "host/core/line/crc16.h"
 #include "host/core/line/port_error.h"
 #include "host/core/line/replies.h"
@@ -53,7 +53,7 @@ struct LineUnderTest {
         return line->exchange(frame(hex), replyLength);
     }
 
-    /// "ANSWER" or "ANSWER (cut)" and so on.
+    /// Returns the reply and the outcome, such as "01 04 02 (cut)".
     std::string read12()
     {
         static const char *const outcomes[] = {"", " (cut)", " (nothing)", " (collision)",
@@ -75,7 +75,7 @@ milliseconds millisecondsSince(Clock::time_point start)
 
 } // namespace
 
-TEST(Line, KeepsSilenceBeforeEachRequest)
+TEST(Line, KeepsSilentIntervalBeforeEachRequest)
 {
     const struct {
         int baudRate;
@@ -96,12 +96,12 @@ TEST(Line, KeepsSilenceBeforeEachRequest)
         for (size_t i = 1; i < seen.size(); ++i)
             silences.push_back(seen[i].arrival - seen[i - 1].end);
         std::sort(silences.begin(), silences.end());
-        // By the other side's clock, which a busy machine may stop for a moment.
+        // Measured by the simulated PLC, which a busy machine may delay.
         EXPECT_GE(silences.at(2), microseconds(row.least - 400)) << row.baudRate;
     }
 }
 
-TEST(Line, EndsWithTheAnswersLastByte)
+TEST(Line, ExchangeEndsWithLastByteOfReply)
 {
     LineUnderTest test;
     test.settings.replyTimeout = test.settings.byteTimeout = 5000;
@@ -113,7 +113,7 @@ TEST(Line, EndsWithTheAnswersLastByte)
     EXPECT_LT(millisecondsSince(start), milliseconds(2000));
 }
 
-TEST(Line, TimeOuts)
+TEST(Line, Timeouts)
 {
     const struct {
         const char *fault;
@@ -134,40 +134,40 @@ TEST(Line, TimeOuts)
         test.plc.setFault(1, parseFault(row.fault).fault);
         EXPECT_EQ(test.read12(), row.answer) << row.fault;
     }
-    // An answer may take longer than the time-out; only its first byte must not.
+    // A reply may take longer than the response timeout; only its first byte must arrive in time.
     SimulatedLineSettings slow;
     slow.baudRate = 9600;
     LineUnderTest test(slow);
     test.settings.baudRate = 9600;
     EXPECT_EQ(test.exchange("01 03 00 00 00 64", 205).reply.size(), 205);
-    // And it runs from the request's last byte on, which takes 230 ms to go out.
+    // The timeout starts with the last byte of the request, which takes 230 ms to send.
     const std::string write = "01 10 00 00 00 60 C0" + std::string(384, '0');
     EXPECT_EQ(test.exchange(write.c_str(), 8).reply.size(), 8);
 }
 
-TEST(Line, WhatIsNoAnswerIsDropped)
+TEST(Line, BytesOutsideTheReplyAreDropped)
 {
     for (const char *fault : {"1:junk=3", "1:junk=40", "1:foreign"}) {
         LineUnderTest test;
-        test.settings.replyTimeout = 30; // less than the time that separates bytes
+        test.settings.replyTimeout = 30; // shorter than the inter-character timeout
         test.plc.setFault(1, parseFault(fault).fault);
         EXPECT_EQ(test.read12(), ANSWER_12) << fault;
     }
 }
 
-TEST(Line, IsEmptiedBeforeEachRequest)
+TEST(Line, StaleInputIsDiscardedBeforeEachRequest)
 {
     LineUnderTest test;
     test.settings.guardTime = 0;
     test.plc.setFault(1, parseFault("1:late=150").fault);
     EXPECT_EQ(test.read12(), " (nothing)");
-    QThread::msleep(150); // now it comes
+    QThread::msleep(150); // the late reply arrives
     test.plc.setFault(1, parseFault("1:none").fault);
     EXPECT_EQ(hexText(test.exchange("01 04 00 0D 00 01", 7).reply), "01 04 02 A1 8F 81 04");
 }
 
-// A transmitter that is stuck, behind what looks like a long answer.
-TEST(Line, ALineThatNeverFallsSilent)
+// A stuck transmitter, after bytes that look like the beginning of a long reply.
+TEST(Line, EndsExchangeIfLineNeverFallsSilent)
 {
     int master = -1;
     int slave = -1;
@@ -200,7 +200,7 @@ TEST(Line, ALineThatNeverFallsSilent)
 
 TEST(Line, AnswerFilter)
 {
-    // To a write of register 1: that of register 0 was acknowledged late.
+    // The late response to a write of register 0 arrives before the response for register 1.
     AnswerFilter ofWrite(frame("01 10 00 01 00 01 02 00 07"), 8);
     ofWrite.add(frame("01 10 00 00 00 01"));
     EXPECT_FALSE(ofWrite.hasBegun());
@@ -211,7 +211,7 @@ TEST(Line, AnswerFilter)
         AnswerFilter filter(frame("01 03 00 00 00 01"), 7);
         for (const QString &part : row.at(0).split('/')) {
             filter.gap();
-            // One at a time is the hardest.
+            // Single bytes are the most difficult case.
             for (const char byte : QByteArray::fromHex(part.toLatin1()))
                 filter.add(QByteArray(1, byte));
         }
@@ -225,7 +225,7 @@ TEST(Line, AnswerFilter)
 namespace
 {
 
-/// When each request was sent, by the host's clock, or a little earlier.
+/// Records when each request was sent, by the host's clock, or slightly earlier.
 struct Stamps : LineTap {
     void sent(const std::string &, const QByteArray &) override { times.push_back(Clock::now()); }
     void received(const std::string &, const QByteArray &) override { answer = Clock::now(); }
@@ -236,8 +236,8 @@ struct Stamps : LineTap {
     Clock::time_point answer; // the latest
 };
 
-/// Reads two registers in turn, a good deal of the answers being later than the time-out by anything
-/// up to 95 % of the guard time, and counts how often the store held the other register's value.
+/// Reads two registers in turn. Many replies come after the response timeout, by up to 95 % of the guard
+/// time. Returns how often the store held the value of the other register.
 int wrongValues(int guard, size_t exchanges)
 {
     const int timeout = 20;
@@ -271,7 +271,7 @@ int wrongValues(int guard, size_t exchanges)
         const Protocol request = *driver->ComCommunication();
         const QByteArray reply = test.line->exchange(request.frame, request.replyLen).reply;
         if (driver->DataCom(&reply, reply.size())->retCode != RESULT_GOOD) {
-            isDisturbed = false; // the line has rested
+            isDisturbed = false; // the guard time has passed
             continue;
         }
         QByteArray value;
@@ -279,8 +279,8 @@ int wrongValues(int guard, size_t exchanges)
         driver->GetRegisterData(0, KIND_INPUT_WORD, QString::number(number), 1, &value, 1);
         if (value == (number == 12 ? QByteArray("\x88\x96") : QByteArray("\x8F\xA1")))
             continue;
-        // A machine that is busy may have made the answer later than was meant, or passed it through
-        // the pseudo-terminal later than it was sent. The answer that it took the place of is late then.
+        // A busy machine may have sent the previous reply later than intended, or delayed it in the
+        // pseudo-terminal. The reply that it displaced is then late as well.
         const SeenRequest late = test.plc.requests().at(i - 1);
         const bool isPunctual =
             late.end - stamps.times.at(i - 1) <= milliseconds(timeout) + microseconds(950 * timeout)
@@ -291,7 +291,7 @@ int wrongValues(int guard, size_t exchanges)
     return wrong;
 }
 
-/// Several lines at once: most of the time goes by in waiting.
+/// Runs several lines in parallel, because most of the time is spent waiting.
 int wrongValuesInAll(int guard, size_t exchanges)
 {
     const size_t lines = 8;
@@ -312,7 +312,7 @@ int wrongValuesInAll(int guard, size_t exchanges)
 TEST(Line, LateAnswersNeverReachTheStore)
 {
     EXPECT_EQ(wrongValuesInAll(20, 2000), 0);
-    EXPECT_GT(wrongValuesInAll(0, 2000), 0); // or the test would show nothing
+    EXPECT_GT(wrongValuesInAll(0, 2000), 0); // without guard time it happens, so the test can fail
 }
 
 TEST(Line, Echo)

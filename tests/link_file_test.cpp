@@ -1,4 +1,4 @@
-// The file of links and variables: what is refused, where and why.
+// The file of links and variables: which content is refused, where and why.
 #include "host/core/links/link_file.h"
 
 #include <QFile>
@@ -13,7 +13,7 @@ using namespace velko;
 namespace
 {
 
-/// The message of the error that a file of this content gives, without its name; "good".
+/// Returns the error message for a file with this content, without the file name, or "good".
 std::string errorOf(const std::string &content)
 {
     const QTemporaryDir folder;
@@ -32,7 +32,7 @@ std::string errorOf(const std::string &content)
 
 } // namespace
 
-TEST(LinkFile, WhatIsRefused)
+TEST(LinkFile, RefusedContent)
 {
     QFile file(CASES_FOLDER "/links.txt");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -49,13 +49,13 @@ TEST(LinkFile, WhatIsRefused)
         }
         const QString error = QString::fromStdString(errorOf(content.toStdString()));
         EXPECT_TRUE(error.startsWith(title))
-            << qPrintable(title + " but " + error + "\n" + content);
+            << qPrintable("expected: " + title + "\nresult: " + error + "\n" + content);
         refused += error != "good";
     }
     EXPECT_GT(refused, 0);
 }
 
-TEST(LinkFile, WhatItSays)
+TEST(LinkFile, Content)
 {
     const std::vector<Link> links = readLinkFile(EXAMPLE_FILE);
     ASSERT_EQ(links.size(), 1U);

@@ -1,5 +1,5 @@
-// What the host's header promises about a list of requests, kept beside the driver's own: which one is
-// due, and who is told what when it ends.
+// A model of a request list according to the host's header: which request is due, and which callbacks
+// its end causes. The tests compare the driver's lists with it.
 #pragma once
 
 #include "velko_modbus_rtu.h"
@@ -9,16 +9,16 @@
 #include <string>
 
 struct QueueModel {
-    /// As QUEUE_CHECKED does it.
+    /// As with QUEUE_CHECKED.
     void queueWrite(const RW_VAR &request);
     void queueOnceRead(const RW_VAR &request);
 
-    /// The first request of an enabled station, brought to the head; null without one.
+    /// Rotates the first request of an enabled station to the head and returns it; null if there is none.
     const RW_VAR *due(const std::set<int> &disabled);
 
-    // Both end the head and return the callbacks that this makes, as DriverUnderTest::takeEvents().
-    std::string end(const ComInfo &link, bool good); ///< of a queue
-    std::string rotate(bool good);                   ///< of the cyclic list
+    // Both end the request at the head and return the callbacks like DriverUnderTest::takeEvents().
+    std::string end(const ComInfo &link, bool good); ///< for a queue
+    std::string rotate(bool good);                   ///< for the cyclic list
 
     std::deque<RW_VAR> entries;
 };

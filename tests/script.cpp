@@ -14,7 +14,7 @@ struct Line {
     QString text;
 };
 
-/// Without comments and empty lines.
+/// Returns the lines of a file without comments and empty lines.
 QList<Line> linesOf(const QString &name)
 {
     QFile file(QDir(CASES_FOLDER).filePath(name));
@@ -61,7 +61,7 @@ public:
             if (!line.text.contains("->"))
                 continue;
             const QString expected = line.text.section("->", 1).trimmed();
-            EXPECT_TRUE(fits(seen, expected)) << "gave " << qPrintable(seen);
+            EXPECT_TRUE(fits(seen, expected)) << "result: " << qPrintable(seen);
         }
     }
 
@@ -90,7 +90,7 @@ int Words::number()
     bool ok = false;
     const QString word = text();
     const int value = word.toInt(&ok);
-    EXPECT_TRUE(ok) << "\"" << qPrintable(word) << "\" is no number";
+    EXPECT_TRUE(ok) << "\"" << qPrintable(word) << "\" is not a number";
     return value;
 }
 

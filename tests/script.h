@@ -1,4 +1,4 @@
-// Scripts of calls with what each must give, and tables: the files of tests/cases.
+// Reads the files in tests/cases: scripts of calls with their expected results, and tables.
 #pragma once
 
 #include <QStringList>
@@ -7,7 +7,7 @@
 #include <map>
 #include <memory>
 
-/// The words behind a command: numbers and texts in order, then NAME=VALUE fields and hex bytes.
+/// The arguments of a command: numbers and texts in order, then NAME=VALUE fields and hex bytes.
 class Words
 {
 public:
@@ -19,14 +19,14 @@ public:
     QByteArray bytes() const;
     QString rest() const { return m_words.join(' '); }
 
-    /// Whether the word "null" is among them.
+    /// Removes the word "null". Returns whether it was there.
     bool takeNull() { return m_words.removeAll("null") > 0; }
 
 private:
     QStringList m_words;
 };
 
-/// Knows the commands of a kind of scripts.
+/// Executes the commands of one kind of script.
 class ScriptRunner
 {
 public:
@@ -44,10 +44,10 @@ private:
     virtual const std::map<QString, int *> &numbers() const = 0;
 };
 
-/// Makes a test of each script in the files "*.SUFFIX", with a runner of its own. False where there
-/// is none.
+/// Registers a test for each script in the files "*.SUFFIX", each with its own runner. Returns false if
+/// there is no script.
 bool registerScripts(const QString &suffix,
                      const std::function<std::unique_ptr<ScriptRunner>()> &makeRunner);
 
-/// The lines of a table, cut into cells.
+/// Returns the lines of a table, split into cells.
 QList<QStringList> rowsOf(const QString &name);

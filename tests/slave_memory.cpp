@@ -29,7 +29,7 @@ QByteArray sealed(const QByteArray &bytes)
 
 } // namespace
 
-// No two registers that lie near each other hold the same.
+// Neighbouring registers have different values.
 int SlaveMemory::onLine(bool input, int station, int number) const
 {
     const auto found = m_written.find({station, number});
@@ -68,7 +68,7 @@ QByteArray SlaveMemory::exception(const QByteArray &frame)
 
 QByteArray SlaveMemory::answer(const QByteArray &frame)
 {
-    EXPECT_TRUE(endsInItsCrc(frame)) << "a slave would not see this frame";
+    EXPECT_TRUE(endsInItsCrc(frame)) << "a slave would ignore this frame";
     const int station = byteAt(frame, 0);
     const int function = byteAt(frame, 1);
     const int first = wordAt(frame, 2);

@@ -1,4 +1,4 @@
-// The registers of the slaves on a scripted line, and the answers that they give.
+// The registers of the slaves on a simulated line, and their responses.
 #pragma once
 
 #include "velko_modbus_rtu.h"
@@ -9,16 +9,16 @@
 class SlaveMemory
 {
 public:
-    /// Every register that was never written changes its value, as measured values do.
+    /// Changes the value of every register that was never written, as measured values change.
     void passTime() { ++m_time; }
 
-    /// The register of an area, as a host numbers it.
+    /// Returns the value of a register; `number` counts within the area, as a host does.
     int read(int station, int area, int number) const;
 
-    /// Does what a queued write says, bit by bit or byte by byte.
+    /// Executes a queued write, bit by bit or byte by byte.
     void write(const RW_VAR &record);
 
-    /// Obeys a request frame; the answer, an exception where the frame asks for the impossible.
+    /// Executes a request frame and returns the response, an exception response if it is not possible.
     QByteArray answer(const QByteArray &frame);
 
     static QByteArray exception(const QByteArray &frame);
@@ -29,5 +29,5 @@ private:
     int onLine(bool input, int station, int number) const;
 
     unsigned m_time = 0;
-    std::map<std::pair<int, int>, int> m_written; // station and number on the line: register
+    std::map<std::pair<int, int>, int> m_written; // station and register address -> value
 };

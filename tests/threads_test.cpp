@@ -1,5 +1,5 @@
-// Host threads beside the communication loop, which runs as fast as it can. Under valgrind's
-// helgrind (the test "races", scripts/check-races) this shows that no access is left without its lock.
+// Host threads beside the communication loop, which runs as fast as it can. Under valgrind's helgrind
+// (the test "races", scripts/check-races) this shows that every access takes its lock.
 #include "tests/driver_under_test.h"
 #include "tests/slave_memory.h"
 
@@ -14,9 +14,9 @@
 namespace
 {
 
-// Holding registers of station 1: a block that the slave fills with one number, ever higher; a block
-// that a thread fills with one number; a double word whose halves are each other's complement; a
-// register whose bits and bytes are written one by one.
+// Holding registers of station 1: a block that the slave fills with one increasing number; a block that a
+// thread fills with one number; a double word whose halves are complements of each other; a register whose
+// bits and bytes are written one by one.
 const int COUNTED = 0;
 const int WRITTEN = 200;
 const int DWORD = 300;
@@ -40,7 +40,7 @@ int firstOf(const QByteArray &registers)
 class ThreadsTest : public DriverTest
 {
 protected:
-    /// Runs an action over and over beside the others, with the number of its turn.
+    /// Repeats an action on its own thread. The argument is the number of the turn.
     void beside(std::function<void(int)> action)
     {
         m_threads.emplace_back([this, action = std::move(action)] {
@@ -52,10 +52,10 @@ protected:
         });
     }
 
-    /// Valgrind runs one thread at a time, and lets one that never waits go on for long.
+    /// Valgrind runs one thread at a time; a thread that never waits would run for long.
     static void giveWay() { std::this_thread::sleep_for(std::chrono::microseconds(5)); }
 
-    /// Every thread has had its turns.
+    /// Returns whether every thread has had its first turns.
     bool areAllWarm() const { return m_warm == static_cast<int>(m_threads.size()); }
 
     void joinAll()
@@ -76,7 +76,7 @@ protected:
         slaves.write(block);
     }
 
-    /// A turn, answered well; false when no frame was due.
+    /// Runs a turn with a good reply. Returns false if no frame was due.
     bool exchange()
     {
         const Protocol *const request = driver.ComCommunication();
@@ -103,7 +103,7 @@ protected:
     {
         for (int reader = 0; reader < 2; ++reader) {
             beside(
-                [this, seen = 0](int) mutable { // as one reply brought it, and none before the last
+                [this, seen = 0](int) mutable { // from a single reply, and not older than the last
                     const QByteArray block = valueOf(COUNTED, BLOCK);
                     torn += block != filled(firstOf(block), BLOCK) || firstOf(block) < seen;
                     seen = firstOf(block);
@@ -125,7 +125,7 @@ protected:
                 filled(turn, 1) + filled(turn ^ 0xFFFF, 1), 2);
             lastWritten = turn;
         });
-        beside([this](int turn) { // four bits of the low byte, and the high byte beside them
+        beside([this](int turn) { // four bits of the low byte, and the high byte
             set(KIND_HOLDING_BIT, QString("%1.%2").arg(2 * SHARED).arg(turn % 4), filled(1, 1), 1);
             set(KIND_HOLDING_BYTE, QString::number(2 * SHARED + 1), filled(0x5A, 1), 1);
             if (turn % 64 == 1)
@@ -146,7 +146,7 @@ protected:
     }
 
     const QList<VAR_ITEM> items = itemsFrom("7:0:100 7:200:100 10:150:2 7:400:1 8:7:3");
-    SlaveMemory slaves; // of the communication thread
+    SlaveMemory slaves; // used by the communication thread
     std::atomic<int> lastWritten{0};
     std::atomic<int> torn{0};
 
@@ -156,7 +156,7 @@ private:
     std::vector<std::thread> m_threads;
 };
 
-TEST_F(ThreadsTest, EveryValueThatIsReadWasThereAtOneTime)
+TEST_F(ThreadsTest, NoTornOrOutdatedValueIsRead)
 {
     const int exchanges = qMin(numberFrom("VELKO_EXCHANGES", SLOW_MACHINE ? 3000 : 20000), 0xFFFF);
     link.maxRegs = BLOCK;
@@ -178,7 +178,7 @@ TEST_F(ThreadsTest, EveryValueThatIsReadWasThereAtOneTime)
     }
     EXPECT_TRUE(areAllWarm());
     joinAll();
-    for (int turn = 0; turn < 4000; ++turn) // nobody queues any more
+    for (int turn = 0; turn < 4000; ++turn) // no thread queues any more
         exchange();
 
     QDir::setCurrent("/");

@@ -1,5 +1,5 @@
-// A host of one line, compiled and linked with what the packages install and nothing else: writes a
-// bit, which takes a read and a write on the line, and then reads the register.
+// A host for one line, compiled and linked only with the files of the packages. It writes a bit, which
+// takes a read and a write on the line, and then reads the register.
 #include <velko_modbus_rtu.h>
 
 #include <cstdio>
@@ -7,7 +7,7 @@
 namespace
 {
 
-// What comes next must be `request`, all in hexadecimal; it is answered with `reply`.
+// Expects `request` as the next frame and passes `reply`. Both are hexadecimal.
 bool exchange(const char *request, const char *reply)
 {
     const Protocol *const next = ComCommunication();
