@@ -12,9 +12,9 @@ class BenchLink
 public:
     BenchLink();
 
-    /// Fills the cyclic list with `requests` requests for `registers` registers each, at consecutive
-    /// addresses that begin again at 0 after 60,000. Throws std::logic_error if the driver rejects a
-    /// good reply.
+    /// Fills the cyclic list with `requests` requests for `registers` registers each, at
+    /// consecutive addresses that begin again at 0 after 60,000. Throws std::logic_error if the
+    /// driver rejects a good reply.
     void poll(int requests, int registers);
 
     /// Makes one exchange if there is something to send. The bytes of the reply, which a host would
@@ -39,7 +39,7 @@ private:
     std::array<QByteArray, 256> m_replies; // by length
 };
 
-/// Returns variables of one word each, in random order. NEAR variables touch one another, FAR ones are
-/// too far apart to merge. Only for lists: the last variables have addresses above 65,535.
+/// Returns variables of one word each, in random order. NEAR variables touch one another, FAR ones
+/// are too far apart to merge. Only for lists: the last variables have addresses above 65,535.
 enum class Spacing { NEAR, FAR };
 QList<VAR_ITEM> shuffledWords(int variables, Spacing spacing);

@@ -10,8 +10,8 @@
 class BusyLoop
 {
 public:
-    /// Starts the loop and returns when it runs. `link` has something to poll; it belongs to the caller
-    /// and outlives this object.
+    /// Starts the loop and returns when it runs. `link` has something to poll; it belongs to the
+    /// caller and outlives this object.
     explicit BusyLoop(BenchLink &link);
     ~BusyLoop();
     BusyLoop(const BusyLoop &) = delete;

@@ -1,4 +1,5 @@
-// Measures the benefit of merging variables into few requests: compares the driver's plans with others.
+// Measures the benefit of merging variables into few requests: compares the driver's plans with
+// others.
 #include "bench/comparison.h"
 #include "host/views/text_table.h"
 

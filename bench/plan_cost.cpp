@@ -40,8 +40,8 @@ double requestCost(int registers, const Measure &measure)
     return measure.perRequest + registers * measure.perRegister;
 }
 
-// least[i]: the least cost of the first i wanted registers. Their last request ends at the last one and
-// begins at a wanted one; every other plan costs more.
+// least[i]: the least cost of the first i wanted registers. Their last request ends at the last one
+// and begins at a wanted one; every other plan costs more.
 double leastCost(Position begin, Position end, int maxRegs, const Measure &measure)
 {
     std::vector<double> least(static_cast<size_t>(end - begin) + 1, 0);

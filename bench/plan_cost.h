@@ -12,16 +12,17 @@ struct Measure {
     double perRegister;
 };
 
-/// Returns the measures: requests; bytes of requests and replies; milliseconds on the wire at 9,600,
-/// 19,200 and 115,200 baud with characters of 11 bits, which include both frames and the silent interval
-/// after each. `turnaround` is the turnaround time of the slave in milliseconds.
+/// Returns the measures: requests; bytes of requests and replies; milliseconds on the wire at
+/// 9,600, 19,200 and 115,200 baud with characters of 11 bits, which include both frames and the
+/// silent interval after each. `turnaround` is the turnaround time of the slave in milliseconds.
 std::vector<Measure> allMeasures(double turnaround);
 
 double costOf(const ReadPlan &plan, const Measure &measure);
 
-/// Returns the cost of the best plan that reads the wanted registers with at most `maxRegs` per request.
-/// No request serves two areas.
+/// Returns the cost of the best plan that reads the wanted registers with at most `maxRegs` per
+/// request. No request serves two areas.
 double leastCost(const AreaRegisters &wanted, int maxRegs, const Measure &measure);
 
-/// Returns the savings if each request of the plan were split at those gaps where splitting costs less.
+/// Returns the savings if each request of the plan were split at those gaps where splitting costs
+/// less.
 double lostInGaps(const ReadPlan &plan, const AreaRegisters &wanted, const Measure &measure);

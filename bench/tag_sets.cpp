@@ -20,7 +20,8 @@ struct Share {
     Range range;
 };
 
-// The distributions of the standard library differ between implementations, so this class has its own.
+// The distributions of the standard library differ between implementations, so this class has its
+// own.
 class Dice
 {
 public:

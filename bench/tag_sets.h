@@ -4,16 +4,17 @@
 
 #include "host/core/variables/variable.h"
 
-/// DENSE: blocks of data and recipes, in which nearly every register is used. SCATTERED: small groups
-/// scattered over the three areas, with gaps within and between them. MIXED: machine units as a PLC
-/// programmer lays them out, each with bits, bytes, words, double words and sometimes a text.
+/// DENSE: blocks of data and recipes, in which nearly every register is used. SCATTERED: small
+/// groups scattered over the three areas, with gaps within and between them. MIXED: machine units
+/// as a PLC programmer lays them out, each with bits, bytes, words, double words and sometimes a
+/// text.
 enum class TagSet { DENSE, SCATTERED, MIXED };
 
 /// "dense", "scattered" or "mixed".
 std::string nameOf(TagSet set);
 
-/// Returns `variables` different variables of station 1 in random order. Throws std::invalid_argument
-/// if they do not fit into the registers that a frame can address.
+/// Returns `variables` different variables of station 1 in random order. Throws
+/// std::invalid_argument if they do not fit into the registers that a frame can address.
 std::vector<velko::Variable> makeTags(TagSet set, int variables, unsigned seed);
 
 /// The same as items for ReCreatReadVarList.

@@ -26,8 +26,8 @@ int Input::number(int low, int high)
     return choice == 14 ? edges[below(9)] + below(5) - 2 : ConsumeIntegralInRange(low, high);
 }
 
-// A long value is cut into up to a million pieces, each of which is compared with a full queue. So an
-// input has at most one, with a limited number of pieces.
+// A long value is cut into up to a million pieces, each of which is compared with a full queue. So
+// an input has at most one, with a limited number of pieces.
 int Input::length(int kind)
 {
     const int units = number(0, 40);

@@ -1,4 +1,5 @@
-// Shared by the fuzz programs: an input that is cut into arguments, and steps that check their results.
+// Shared by the fuzz programs: an input that is cut into arguments, and steps that check their
+// results.
 #ifndef FUZZ_COMMON_H
 #define FUZZ_COMMON_H
 

@@ -1,5 +1,5 @@
-// Runs the cases in tests/cases: scripts of calls to a freshly loaded driver, with the expected results.
-// tests/cases/README.md describes their language.
+// Runs the cases in tests/cases: scripts of calls to a freshly loaded driver, with the expected
+// results. tests/cases/README.md describes their language.
 #include "tests/driver_under_test.h"
 #include "tests/script.h"
 

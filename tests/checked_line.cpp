@@ -247,8 +247,8 @@ void CheckedLine::expectStored(int station, int area, const Range &range)
 
 void CheckedLine::finishAndCheck()
 {
-    // A turn may end a burst without a frame, a request can take two frames, and a cyclic read can come
-    // after every fifth request.
+    // A turn may end a burst without a frame, a request can take two frames, and a cyclic read can
+    // come after every fifth request.
     for (size_t turns = 4 * queued() + 20; turns > 0 && (queued() > 0 || m_framesLeft > 0); --turns)
         exchange();
     EXPECT_EQ(queued(), 0);

@@ -1,5 +1,6 @@
-// A line in virtual time, with the driver on one side, slaves on the other, and faults between them.
-// Each exchange is compared with what the host's header promises; every difference fails the test.
+// A line in virtual time, with the driver on one side, slaves on the other, and faults between
+// them. Each exchange is compared with what the host's header promises; every difference fails the
+// test.
 #pragma once
 
 #include "tests/driver_under_test.h"
@@ -38,7 +39,8 @@ public:
     /// Runs one turn, with one frame or none. `bit` counts modulo the bits of the reply.
     void exchange(LineFault fault = NO_FAULT, int bit = 0);
 
-    /// Makes good exchanges until the queues are empty, then one full cycle, and checks the final state.
+    /// Makes good exchanges until the queues are empty, then one full cycle, and checks the final
+    /// state.
     void finishAndCheck();
 
     /// Changes the slaves' registers, but not between the two frames of a read-modify-write.

@@ -13,7 +13,8 @@
 namespace
 {
 
-// Qt 5 passes a context and a string to its handler; the driver's handler has the signature of Qt 4.
+// Qt 5 passes a context and a string to its handler; the driver's handler has the signature of Qt
+// 4.
 decltype(&customMessageHandler) installed = nullptr;
 
 void onMessage(QtMsgType type, const QMessageLogContext &, const QString &message)

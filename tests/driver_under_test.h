@@ -1,4 +1,5 @@
-// A freshly loaded driver, called by its exported names, with the settings that the tests start from.
+// A freshly loaded driver, called by its exported names, with the settings that the tests start
+// from.
 #pragma once
 
 #include "driver/modbus_rtu_master.h"
@@ -8,8 +9,8 @@
 
 #include <string>
 
-// Replies that fit every one-register read and every function 16 write: the driver does not check station
-// and register address of a reply.
+// Replies that fit every one-register read and every function 16 write: the driver does not check
+// station and register address of a reply.
 const char *const GOOD_READ = "01 03 02 00 2A 39 9B";
 const char *const GOOD_WRITE = "01 10 00 00 00 01 01 C9";
 
@@ -27,7 +28,8 @@ struct DriverUnderTest {
 
     int rebuild(const char *items);
 
-    /// Returns the callbacks since the last call: "done LINK OWNER TAG STATUS, fail OWNER FLAG", or "none".
+    /// Returns the callbacks since the last call: "done LINK OWNER TAG STATUS, fail OWNER FLAG", or
+    /// "none".
     std::string takeEvents();
 
     ComInfo link;

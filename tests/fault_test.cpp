@@ -1,4 +1,5 @@
-// Every fault in every exchange: a mixed run in which one exchange fails, and long runs in which many fail.
+// Every fault in every exchange: a mixed run in which one exchange fails, and long runs in which
+// many fail.
 #include "tests/checked_line.h"
 
 #include <malloc.h>
@@ -12,7 +13,8 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes(); // Debian packages 
 namespace
 {
 
-/// Makes the calls of the host before a given exchange. Station 4 stays disabled, station 3 does not.
+/// Makes the calls of the host before a given exchange. Station 4 stays disabled, station 3 does
+/// not.
 void actBefore(int exchange, CheckedLine &line)
 {
     switch (exchange) {
@@ -94,8 +96,8 @@ int mixedRun(const SweepRow &row, int exchanges, int failing, LineFault fault, i
     return bytes;
 }
 
-// The allocator counts the free blocks that it keeps for reuse as used, up to some hundred thousand bytes.
-// A leak of one block in fifty exchanges exceeds this limit.
+// The allocator counts the free blocks that it keeps for reuse as used, up to some hundred thousand
+// bytes. A leak of one block in fifty exchanges exceeds this limit.
 const size_t MOST_GROWTH = 524288;
 
 size_t bytesInUse()
@@ -145,7 +147,8 @@ class RandomHost
 public:
     RandomHost(CheckedLine &line, int seed) : m_line(line), m_random(static_cast<unsigned>(seed)) {}
 
-    /// Makes a call from time to time. There are few owners, so that their requests meet in the queues.
+    /// Makes a call from time to time. There are few owners, so that their requests meet in the
+    /// queues.
     void act()
     {
         const PolledVariable target = some();
@@ -169,7 +172,8 @@ public:
         }
     }
 
-    /// Makes one exchange. One exchange in twelve fails; sometimes the cable is disconnected for a while.
+    /// Makes one exchange. One exchange in twelve fails; sometimes the cable is disconnected for a
+    /// while.
     void exchange()
     {
         if (m_untilCableIsBack-- == 0)

@@ -1,4 +1,5 @@
-// The serial line with the simulated PLC: silent interval, timeouts, guard time, and which bytes pass.
+// The serial line with the simulated PLC: silent interval, timeouts, guard time, and which bytes
+// pass.
 #include "host/core/line/crc16.h"
 #include "host/core/line/port_error.h"
 #include "host/core/line/replies.h"
@@ -236,8 +237,8 @@ struct Stamps : LineTap {
     Clock::time_point answer; // the latest
 };
 
-/// Reads two registers in turn. Many replies come after the response timeout, by up to 95 % of the guard
-/// time. Returns how often the store held the value of the other register.
+/// Reads two registers in turn. Many replies come after the response timeout, by up to 95 % of the
+/// guard time. Returns how often the store held the value of the other register.
 int wrongValues(int guard, size_t exchanges)
 {
     const int timeout = 20;

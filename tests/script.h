@@ -44,8 +44,8 @@ private:
     virtual const std::map<QString, int *> &numbers() const = 0;
 };
 
-/// Registers a test for each script in the files "*.SUFFIX", each with its own runner. Returns false if
-/// there is no script.
+/// Registers a test for each script in the files "*.SUFFIX", each with its own runner. Returns
+/// false if there is no script.
 bool registerScripts(const QString &suffix,
                      const std::function<std::unique_ptr<ScriptRunner>()> &makeRunner);
 

@@ -18,7 +18,8 @@ public:
     /// Executes a queued write, bit by bit or byte by byte.
     void write(const RW_VAR &record);
 
-    /// Executes a request frame and returns the response, an exception response if it is not possible.
+    /// Executes a request frame and returns the response, an exception response if it is not
+    /// possible.
     QByteArray answer(const QByteArray &frame);
 
     static QByteArray exception(const QByteArray &frame);

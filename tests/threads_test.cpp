@@ -1,5 +1,5 @@
-// Host threads beside the communication loop, which runs as fast as it can. Under valgrind's helgrind
-// (the test "races", scripts/check-races) this shows that every access takes its lock.
+// Host threads beside the communication loop, which runs as fast as it can. Under valgrind's
+// helgrind (the test "races", scripts/check-races) this shows that every access takes its lock.
 #include "tests/driver_under_test.h"
 #include "tests/slave_memory.h"
 
@@ -14,9 +14,9 @@
 namespace
 {
 
-// Holding registers of station 1: a block that the slave fills with one increasing number; a block that a
-// thread fills with one number; a double word whose halves are complements of each other; a register whose
-// bits and bytes are written one by one.
+// Holding registers of station 1: a block that the slave fills with one increasing number; a block
+// that a thread fills with one number; a double word whose halves are complements of each other; a
+// register whose bits and bytes are written one by one.
 const int COUNTED = 0;
 const int WRITTEN = 200;
 const int DWORD = 300;

@@ -1,5 +1,5 @@
-// A master without driver and host: write, poll, read and a silent interval. An exchange takes only the
-// time of the operating system and of the slave.
+// A master without driver and host: write, poll, read and a silent interval. An exchange takes only
+// the time of the operating system and of the slave.
 #include "bench/masters/poll_task.h"
 #include "bench/masters/raw_port.h"
 #include "host/core/line/crc16.h"
@@ -37,7 +37,8 @@ void check(const QByteArray &reply, const std::vector<uint16_t> &expected)
     requireSame(values, expected);
 }
 
-// A reply that is complete before its bytes can have passed the line means that the line is too fast.
+// A reply that is complete before its bytes can have passed the line means that the line is too
+// fast.
 void requireNotEarly(Clock::duration elapsed, microseconds leastTime)
 {
     if (elapsed >= leastTime)

@@ -1,8 +1,8 @@
-// A minimal master with the driver: it loads the library as a panel's runtime does, and its loop is as
-// short as possible.
+// A minimal master with the driver: it loads the library as a panel's runtime does, and its loop is
+// as short as possible.
 //
-// It keeps no silent interval between frames, because libmodbus does not: both run on a line without
-// transmission time.
+// It keeps no silent interval between frames, because libmodbus does not: both run on a line
+// without transmission time.
 #include "bench/masters/poll_task.h"
 #include "bench/masters/raw_port.h"
 #include "host/core/loading/driver_library.h"

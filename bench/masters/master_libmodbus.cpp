@@ -1,5 +1,5 @@
-// The same reads with libmodbus: one call per variable or, with --grouped, one call per 125 registers.
-// The groups, and the places of the variables in them, are computed in advance.
+// The same reads with libmodbus: one call per variable or, with --grouped, one call per 125
+// registers. The groups, and the places of the variables in them, are computed in advance.
 //
 // libmodbus keeps no silent interval between frames; neither does the master with the driver.
 #include "bench/masters/poll_task.h"

@@ -9,8 +9,8 @@ namespace
 const int FIRST_OF_5000 = 5000;
 const int MOVING_INPUTS = 5;
 
-// The initial value of a register of the simulated PLC, computed here independently: comparing only the
-// values that two masters read would not show that both read the wrong register.
+// The initial value of a register of the simulated PLC, computed here independently: comparing only
+// the values that two masters read would not show that both read the wrong register.
 uint16_t plcValue(bool isInput, int number)
 {
     return static_cast<uint16_t>(isInput ? 0x1234 + 0x0B07 * number : 0x5AA5 + 0x1D03 * number);

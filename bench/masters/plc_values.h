@@ -19,6 +19,6 @@ struct Place {
 /// Accepts only words and double words; throws std::invalid_argument for other kinds.
 Place placeOf(const VAR_ITEM &item);
 
-/// Returns the initial values of all places in the PLC, in order. Throws std::invalid_argument for the
-/// input registers that the PLC changes by itself (0 to 4).
+/// Returns the initial values of all places in the PLC, in order. Throws std::invalid_argument for
+/// the input registers that the PLC changes by itself (0 to 4).
 std::vector<uint16_t> plcValues(const std::vector<Place> &places);

@@ -27,8 +27,8 @@ private:
     unsigned m_seed = 1;
 };
 
-/// Calls `run` and returns its result as exit status. If it throws, prints the reason to standard error
-/// and returns 1.
+/// Calls `run` and returns its result as exit status. If it throws, prints the reason to standard
+/// error and returns 1.
 int exitStatusOf(int (*run)(int argc, char **argv), int argc, char **argv);
 
 /// Throws std::runtime_error if the values read differ from the PLC's.

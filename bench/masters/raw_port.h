@@ -16,8 +16,8 @@ public:
     /// Throws std::runtime_error.
     void write(const char *bytes, int count) const;
 
-    /// Reads into bytes() until `expected` bytes have arrived or no byte arrives for one second. Returns
-    /// the number of bytes. Throws std::runtime_error.
+    /// Reads into bytes() until `expected` bytes have arrived or no byte arrives for one second.
+    /// Returns the number of bytes. Throws std::runtime_error.
     int read(int expected);
     const char *bytes() const { return m_bytes.data(); }
 

@@ -2,8 +2,8 @@
 //
 //   two_lines LIBRARY DEVICE DEVICE
 //
-// On each line, the program writes a different value to holding register 100 of station 1, and reads
-// registers 100 to 103 for two seconds.
+// On each line, the program writes a different value to holding register 100 of station 1, and
+// reads registers 100 to 103 for two seconds.
 #include <velko_modbus_rtu.h>
 
 #include <QCoreApplication>
@@ -20,8 +20,8 @@
 #include <stdexcept>
 #include <string>
 
-// A loaded copy of the driver. The loader loads a file only once, so each line loads a copy of the file.
-// A linked host, or two handles of the same file, would share one set of lists and values.
+// A loaded copy of the driver. The loader loads a file only once, so each line loads a copy of the
+// file. A linked host, or two handles of the same file, would share one set of lists and values.
 class DriverCopy
 {
 public:

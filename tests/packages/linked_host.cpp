@@ -1,5 +1,5 @@
-// A host for one line, compiled and linked only with the files of the packages. It writes a bit, which
-// takes a read and a write on the line, and then reads the register.
+// A host for one line, compiled and linked only with the files of the packages. It writes a bit,
+// which takes a read and a write on the line, and then reads the register.
 #include <velko_modbus_rtu.h>
 
 #include <cstdio>
