@@ -1,0 +1,31 @@
+// A pseudo-terminal in raw mode.
+#pragma once
+
+#include "host/plc/descriptors.h"
+
+#include <string>
+
+namespace velko
+{
+
+/// Owns both ends. While it exists, a program that opens and closes the device does not hang up the
+/// line; after its destruction that program reads an end of file or EIO.
+class PseudoTerminal
+{
+public:
+    /// Throws std::runtime_error.
+    PseudoTerminal();
+
+    /// The end of the simulated PLC. Non-blocking.
+    int master() const { return m_master.get(); }
+
+    /// The path that a Modbus master opens.
+    const std::string &device() const { return m_device; }
+
+private:
+    Descriptor m_master;
+    std::string m_device;
+    Descriptor m_slave;
+};
+
+} // namespace velko

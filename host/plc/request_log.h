@@ -1,0 +1,43 @@
+// The requests that a simulated line has seen.
+#pragma once
+
+#include <QByteArray>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <vector>
+
+namespace velko
+{
+
+/// A request as it arrived, to any station.
+struct SeenRequest {
+    std::chrono::steady_clock::time_point arrival; ///< of its first byte
+    std::chrono::steady_clock::time_point end;     ///< when the last byte of the response was sent;
+                                                   ///< without a response, when it was processed
+    QByteArray frame;
+};
+
+/// Has no lock: its owner guards it.
+class RequestLog
+{
+public:
+    static const size_t MAX_REQUESTS = 100000; ///< beyond, the oldest requests are removed
+
+    /// Returns the entry number of the request, for `noteEnd`.
+    uint64_t add(std::chrono::steady_clock::time_point arrival, const QByteArray &frame);
+
+    /// Sets the end of the request to now, unless the request is removed already.
+    void noteEnd(uint64_t entry);
+
+    /// Oldest first.
+    std::vector<SeenRequest> requests() const { return {m_requests.begin(), m_requests.end()}; }
+
+private:
+    std::deque<SeenRequest> m_requests;
+    uint64_t m_removed = 0; // number of entries
+};
+
+} // namespace velko
