@@ -10,28 +10,44 @@ namespace velko
 namespace
 {
 
-// What a fault's number may be, and what it is when it is left out. A fault without a number has
-// 0 in all three.
+struct NumberRange {
+    int lowest;
+    int highest; // 0: the fault has no number
+    int standard;
+    const char *unit;
+};
+
+constexpr NumberRange NO_NUMBER = {0, 0, 0, ""};
+
+// The only description of a fault: parser and help text use it.
 struct FaultKind {
     const char *name;
     Fault::Kind kind;
-    int lowest;
-    int highest;
-    int standard;
+    NumberRange number;
+    const char *effect; // N: the number
 };
 
-constexpr std::array<FaultKind, 9> FAULT_KINDS = {{{"none", Fault::NONE, 0, 0, 0},
-                                                   {"silent", Fault::SILENT, 0, 0, 0},
-                                                   {"late", Fault::LATE, 0, 60000, 300},
-                                                   {"cut", Fault::CUT, 1, 255, 3},
-                                                   {"flip", Fault::FLIP, 0, 0, 0},
-                                                   {"junk", Fault::JUNK, 1, 64, 3},
-                                                   {"exception", Fault::EXCEPTION, 1, 255, 2},
-                                                   {"foreign", Fault::FOREIGN, 0, 0, 0},
-                                                   {"stutter", Fault::STUTTER, 0, 60000, 16}}};
+constexpr std::array<FaultKind, 9> FAULT_KINDS = {{
+    {"none", Fault::NONE, NO_NUMBER, "no fault"},
+    {"silent", Fault::SILENT, NO_NUMBER, "no response; the request is not executed"},
+    {"late", Fault::LATE, {0, 60000, 300, " ms"}, "response N ms late"},
+    {"cut", Fault::CUT, {1, 255, 3, " bytes"}, "only the first N bytes of the response"},
+    {"flip", Fault::FLIP, NO_NUMBER, "response with one wrong bit: the CRC does not match"},
+    {"junk", Fault::JUNK, {1, 64, 3, " bytes"}, "N bytes of noise directly before the response"},
+    {"exception",
+     Fault::EXCEPTION,
+     {1, 255, 2, ""},
+     "exception response with code N; the request is not executed"},
+    {"foreign", Fault::FOREIGN, NO_NUMBER, "valid frame of another station before the response"},
+    {"stutter",
+     Fault::STUTTER,
+     {0, 60000, 16, " ms"},
+     "pause of N ms in the middle of the response"},
+}};
 
+const int FIRST_STATION = 1;
 const int LAST_STATION = 247;
-const int LONGEST_INTERVAL = 1000000;
+const int LONGEST_INTERVAL = 1000000; // requests
 
 [[noreturn]] void refuse(const std::string &why)
 {
@@ -67,23 +83,23 @@ const FaultKind &kindNamed(const std::string &name)
     std::string names;
     for (const FaultKind &kind : FAULT_KINDS)
         names += (names.empty() ? "" : ", ") + std::string(kind.name);
-    refuse("there is no fault " + quoted(name) + ", only " + names);
+    refuse("unknown fault " + quoted(name) + ". Use one of: " + names);
 }
 
-// Cuts the text at the first such character and returns what is behind it. Neither part has the
-// character itself; `found` tells an empty part behind it from none.
+// Cuts the text at the first separator and returns the part after it. Neither part contains the
+// separator; `found` distinguishes an empty part from a missing one.
 std::string cutAt(std::string &text, char separator, bool &found)
 {
     const size_t position = text.find(separator);
     found = position != std::string::npos;
     if (!found)
         return std::string();
-    std::string behind = text.substr(position + 1);
+    std::string rest = text.substr(position + 1);
     text.erase(position);
-    return behind;
+    return rest;
 }
 
-// "FAULT", "FAULT=NUMBER", each with "/EVERY" or not.
+// Parses "FAULT" or "FAULT=N", either with "/EVERY" or not.
 Fault faultIn(std::string text)
 {
     bool hasEvery = false;
@@ -91,16 +107,31 @@ Fault faultIn(std::string text)
     const std::string every = cutAt(text, '/', hasEvery);
     const std::string number = cutAt(text, '=', hasNumber);
     const FaultKind &kind = kindNamed(text);
-    if (hasNumber && kind.highest == 0)
-        refuse(quoted(text) + " takes no number");
+    if (hasNumber && kind.number.highest == 0)
+        refuse(quoted(text) + " has no number");
     Fault fault;
     fault.kind = kind.kind;
-    fault.number =
-        hasNumber ? numberIn(number, "the number of " + quoted(text), kind.lowest, kind.highest)
-                  : kind.standard;
+    fault.number = hasNumber ? numberIn(number, "the number of " + quoted(text), kind.number.lowest,
+                                        kind.number.highest)
+                             : kind.number.standard;
     if (hasEvery)
-        fault.every = numberIn(every, "what follows the /", 1, LONGEST_INTERVAL);
+        fault.every = numberIn(every, "the number after the /", 1, LONGEST_INTERVAL);
     return fault;
+}
+
+// "0 to 60000 ms, default: 300 ms"
+std::string rangeText(const NumberRange &range)
+{
+    return std::to_string(range.lowest) + " to " + std::to_string(range.highest) + range.unit
+           + ", default: " + std::to_string(range.standard) + range.unit;
+}
+
+FaultHelp helpOf(const FaultKind &kind)
+{
+    if (kind.number.highest == 0)
+        return {kind.name, kind.effect};
+    return {std::string(kind.name) + "=N",
+            std::string(kind.effect) + " (" + rangeText(kind.number) + ")"};
 }
 
 } // namespace
@@ -112,11 +143,20 @@ StationFault parseFault(const std::string &text)
         bool hasFault = false;
         const std::string fault = cutAt(station, ':', hasFault);
         if (!hasFault)
-            refuse("it must be STATION:FAULT, for example 2:silent");
-        return {numberIn(station, "the station", 1, LAST_STATION), faultIn(fault)};
+            refuse("the form is STATION:FAULT, for example 2:silent");
+        return {numberIn(station, "the station", FIRST_STATION, LAST_STATION), faultIn(fault)};
     } catch (const std::invalid_argument &error) {
         throw std::invalid_argument("fault " + quoted(text) + ": " + error.what());
     }
+}
+
+std::vector<FaultHelp> faultHelp()
+{
+    std::vector<FaultHelp> rows;
+    rows.reserve(FAULT_KINDS.size());
+    for (const FaultKind &kind : FAULT_KINDS)
+        rows.push_back(helpOf(kind));
+    return rows;
 }
 
 } // namespace velko

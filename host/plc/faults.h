@@ -1,36 +1,36 @@
-// What a simulated station does wrong.
+// Faults of a simulated station: their names, numbers and help lines. What a fault does to a response
+// is in fault_effects.cpp.
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace velko
 {
 
 struct Fault {
-    enum Kind {
-        NONE,
-        SILENT,    ///< no reply; the request is not carried out either
-        LATE,      ///< the reply begins `number` milliseconds late
-        CUT,       ///< only the first `number` bytes of the reply
-        FLIP,      ///< one bit of the reply's third byte from the end is flipped: the CRC is wrong
-        JUNK,      ///< `number` bytes of noise right before the reply
-        EXCEPTION, ///< an exception reply of code `number`; the request is not carried out
-        FOREIGN,   ///< before the reply a good frame of another station, with other values in it
-        STUTTER    ///< a pause of `number` milliseconds in the middle of the reply
-    };
+    enum Kind { NONE, SILENT, LATE, CUT, FLIP, JUNK, EXCEPTION, FOREIGN, STUTTER };
 
     Kind kind = NONE;
-    int number = 0;
-    int every = 1; ///< only each n-th request to the station, from 1 up
+    int number = 0; ///< meaning, unit and range depend on the kind; 0 if it has no number
+    int every = 1;  ///< affects only every n-th request to the station; at least 1
 };
 
 struct StationFault {
-    int station = 1;
+    int station = 1; ///< 1 to 247
     Fault fault;
 };
 
-/// "STATION:FAULT", "STATION:FAULT=NUMBER", each with "/EVERY" behind it or not: "2:silent",
-/// "1:late=300", "1:exception=2/10", "2:none". Throws std::invalid_argument that says what is wrong.
+/// Parses "STATION:FAULT" or "STATION:FAULT=N", either with "/EVERY" appended or not: "2:silent",
+/// "1:late=300", "1:exception=2/10", "2:none". Throws std::invalid_argument with the reason.
 StationFault parseFault(const std::string &text);
+
+struct FaultHelp {
+    std::string usage;  ///< "late=N"
+    std::string effect; ///< "response N ms late (0 to 60000 ms, default: 300 ms)"
+};
+
+/// Describes every fault, in the order in which a help text lists them.
+std::vector<FaultHelp> faultHelp();
 
 } // namespace velko
