@@ -6,6 +6,7 @@
 #include "host/commands/simulate_faults.h"
 #include "host/commands/simulate_report.h"
 #include "host/commands/simulate_run.h"
+#include "host/core/sizes/limits.h"
 #include "host/plc/device_link.h"
 
 #include <chrono>
@@ -21,11 +22,6 @@ namespace
 
 using std::chrono::milliseconds;
 
-const int FIRST_STATION = 1;
-const int LAST_STATION = 247;
-const int HIGHEST_BAUD = 4000000;
-const int SHORTEST_RUN = 1;        // ms
-const int LONGEST_RUN = 999999999; // ms
 
 void requireDifferent(const std::vector<int> &stations)
 {
@@ -64,7 +60,7 @@ void SimulateCommand::addLineOptions()
     m_options.add_option("--station", m_stations, "station number of a simulated PLC; repeatable")
         ->allow_extra_args(false)
         ->type_name("NUMBER")
-        ->check(numberFrom(FIRST_STATION, LAST_STATION))
+        ->check(numberFrom(LOWEST_STATION, HIGHEST_STATION))
         ->capture_default_str();
     m_options
         .add_option("--baud", m_baudRate,

@@ -1,7 +1,9 @@
 #include "host/commands/simulate_report.h"
 
 #include "host/core/line/replies.h"
+#include "host/core/sizes/limits.h"
 #include "host/core/text/joined.h"
+#include "host/core/text/numbers.h"
 #include "host/plc/station_memory.h"
 #include "host/views/text_table.h"
 
@@ -15,7 +17,6 @@ namespace velko
 namespace
 {
 
-const int BROADCAST = 0;
 const size_t USAGE_WIDTH = 12; // of the first column in the list of faults
 
 const char *const FOOTER_START = R"(
@@ -46,7 +47,8 @@ std::string lineText(const SimulatedLineSettings &settings)
 
 std::string nameOf(int station)
 {
-    return station == BROADCAST ? "all stations (broadcast)" : "station " + std::to_string(station);
+    return station == BROADCAST_STATION ? "all stations (broadcast)"
+                                        : "station " + std::to_string(station);
 }
 
 } // namespace
@@ -106,7 +108,7 @@ void printRequests(const SimulatedPlc &plc, const std::vector<int> &stations)
     for (const auto &[station, count] : counts) {
         const bool isSimulated = std::count(stations.begin(), stations.end(), station) > 0;
         std::printf("  to %s%s: %d\n", nameOf(station).c_str(),
-                    station == BROADCAST || isSimulated ? "" : ", not simulated", count);
+                    station == BROADCAST_STATION || isSimulated ? "" : ", not simulated", count);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "host/plc/fault_effects.h"
 
 #include "host/core/line/replies.h"
+#include "host/core/sizes/limits.h"
 #include "host/plc/frames.h"
 
 #include <modbus.h>
@@ -16,7 +17,6 @@ namespace
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
-const int LAST_STATION = 247;
 const int READ_HEADER = 3; // station, function code, byte count
 
 // The response of the next station to the same request. The values read are inverted, so that a
@@ -24,7 +24,7 @@ const int READ_HEADER = 3; // station, function code, byte count
 QByteArray foreignResponse(const QByteArray &response)
 {
     QByteArray foreign = response.left(response.size() - CRC_BYTES);
-    foreign[0] = static_cast<char>(byteAt(response, 0) % LAST_STATION + 1);
+    foreign[0] = static_cast<char>(byteAt(response, 0) % HIGHEST_STATION + 1);
     const int function = byteAt(response, 1);
     if (function >= MODBUS_FC_READ_COILS && function <= MODBUS_FC_READ_INPUT_REGISTERS)
         std::transform(foreign.begin() + READ_HEADER, foreign.end(), foreign.begin() + READ_HEADER,

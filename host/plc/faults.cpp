@@ -1,5 +1,8 @@
 #include "host/plc/faults.h"
 
+#include "host/core/sizes/limits.h"
+#include "host/core/text/numbers.h"
+
 #include <algorithm>
 #include <array>
 #include <stdexcept>
@@ -45,8 +48,6 @@ constexpr std::array<FaultKind, 9> FAULT_KINDS = {{
      "pause of N ms in the middle of the response"},
 }};
 
-const int FIRST_STATION = 1;
-const int LAST_STATION = 247;
 const int LONGEST_INTERVAL = 1000000; // requests
 
 [[noreturn]] void refuse(const std::string &why)
@@ -57,20 +58,6 @@ const int LONGEST_INTERVAL = 1000000; // requests
 std::string quoted(const std::string &text)
 {
     return '"' + text + '"';
-}
-
-// No leading zeros: "010" is not to be taken for octal.
-int numberIn(const std::string &text, const std::string &what, int lowest, int highest)
-{
-    const bool isDecimal = !text.empty() && text.size() <= 9
-                           && text.find_first_not_of("0123456789") == std::string::npos
-                           && (text == "0" || text[0] != '0');
-    const int number = isDecimal ? std::stoi(text) : -1;
-    if (number < lowest || number > highest)
-        refuse(what + " is " + quoted(text) + ", but must be a number from "
-               + std::to_string(lowest) + " to " + std::to_string(highest)
-               + " without leading zeros");
-    return number;
 }
 
 const FaultKind &kindNamed(const std::string &name)
@@ -111,11 +98,11 @@ Fault faultIn(std::string text)
         refuse(quoted(text) + " has no number");
     Fault fault;
     fault.kind = kind.kind;
-    fault.number = hasNumber ? numberIn(number, "the number of " + quoted(text), kind.number.lowest,
-                                        kind.number.highest)
+    fault.number = hasNumber ? parseNumber(number, kind.number.lowest, kind.number.highest,
+                                           "number of " + quoted(text))
                              : kind.number.standard;
     if (hasEvery)
-        fault.every = numberIn(every, "the number after the /", 1, LONGEST_INTERVAL);
+        fault.every = parseNumber(every, 1, LONGEST_INTERVAL, "number after the /");
     return fault;
 }
 
@@ -144,7 +131,7 @@ StationFault parseFault(const std::string &text)
         const std::string fault = cutAt(station, ':', hasFault);
         if (!hasFault)
             refuse("the form is STATION:FAULT, for example 2:silent");
-        return {numberIn(station, "the station", FIRST_STATION, LAST_STATION), faultIn(fault)};
+        return {parseNumber(station, LOWEST_STATION, HIGHEST_STATION, "station"), faultIn(fault)};
     } catch (const std::invalid_argument &error) {
         throw std::invalid_argument("fault " + quoted(text) + ": " + error.what());
     }

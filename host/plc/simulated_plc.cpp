@@ -2,6 +2,7 @@
 
 #include "host/core/line/crc16.h"
 #include "host/core/line/replies.h"
+#include "host/core/sizes/limits.h"
 #include "host/plc/fault_effects.h"
 #include "host/plc/frames.h"
 #include "host/plc/line_pace.h"
@@ -23,9 +24,6 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
-const int BROADCAST = 0;
-const int LAST_STATION = 247;
-
 } // namespace
 
 SimulatedPlc::SimulatedPlc(const SimulatedLineSettings &settings)
@@ -35,7 +33,7 @@ SimulatedPlc::SimulatedPlc(const SimulatedLineSettings &settings)
     m_device = QString::fromStdString(m_line->device());
     std::set<int> known;
     for (const int number : settings.stations) {
-        if (number <= BROADCAST || number > LAST_STATION || !known.insert(number).second)
+        if (number < LOWEST_STATION || number > HIGHEST_STATION || !known.insert(number).second)
             failPlc("station " + std::to_string(number) + " is out of range or a duplicate");
         const int position = static_cast<int>(m_stations.size());
         m_stations.push_back(std::make_unique<SimulatedStation>(number, position));
@@ -84,7 +82,7 @@ void SimulatedPlc::deliver(const QByteArray &frame, TimePoint arrival, uint64_t 
     for (const std::unique_ptr<SimulatedStation> &station : m_stations) {
         if (m_settings.moving)
             station->memory().move(elapsed);
-        if (addressed == station->number() || addressed == BROADCAST)
+        if (addressed == station->number() || addressed == BROADCAST_STATION)
             respond(*station, frame, arrival, entry);
     }
 }

@@ -1,6 +1,7 @@
 #include "host/plc/simulated_station.h"
 
 #include "host/core/line/replies.h"
+#include "host/core/sizes/limits.h"
 #include "host/plc/fault_effects.h"
 #include "host/plc/frames.h"
 #include "host/plc/plc_error.h"
@@ -18,7 +19,6 @@ namespace velko
 namespace
 {
 
-const int BROADCAST = 0;
 const uint32_t LIBMODBUS_MICROSECONDS = 1000; // all bytes that it waits for have arrived already
 
 // libmodbus requires a serial device, but never opens it: it gets a socket instead.
@@ -98,7 +98,7 @@ QByteArray SimulatedStation::responseTo(const QByteArray &request, const Fault &
         response = exceptionResponse(request, MODBUS_EXCEPTION_ILLEGAL_FUNCTION);
     if (!response)
         response = execute(request);
-    return byteAt(request, 0) == BROADCAST ? QByteArray() : *response;
+    return byteAt(request, 0) == BROADCAST_STATION ? QByteArray() : *response;
 }
 
 QByteArray SimulatedStation::execute(const QByteArray &request)

@@ -12,7 +12,8 @@ const int HIGHEST_STOP_BITS = 2;
 
 // --- Stations, registers and values ---
 
-const int LOWEST_STATION = 1; // 0 is the broadcast address, without responses
+const int BROADCAST_STATION = 0; // no slave responds
+const int LOWEST_STATION = 1;
 const int HIGHEST_STATION = 247;
 const int HIGHEST_REGISTER = 65535; // on the line
 const int HIGHEST_COUNT = 1024;     // values of a variable, or characters of a text
