@@ -51,6 +51,7 @@ const TypeRow &rowOf(const Format &format)
 std::vector<std::string> typeNames()
 {
     std::vector<std::string> names;
+    names.reserve(types.size());
     for (const TypeRow &row : types)
         names.emplace_back(row.name);
     return names;
