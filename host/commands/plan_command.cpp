@@ -20,8 +20,9 @@ PlanCommand::PlanCommand(CLI::App &program)
         ->type_name("FILE")
         ->capture_default_str();
     m_options.footer(
-        "read: registers of the request; needed: registers that a variable needs; gap: the other "
-        "ones.\nbytes: of request and response; ms: their time on the line.\n");
+        "asked: registers of the request; wanted: registers that a variable needs; gap: gap "
+        "registers, "
+        "the other ones.\nbytes: of request and response; ms: their time on the line.\n");
 }
 
 int PlanCommand::run()

@@ -22,6 +22,7 @@ namespace
 
 using std::chrono::milliseconds;
 
+const int SHORTEST_SIMULATION = 1; // ms
 
 void requireDifferent(const std::vector<int> &stations)
 {
@@ -51,7 +52,7 @@ SimulateCommand::SimulateCommand(CLI::App &program)
     m_options
         .add_option("--seconds", m_seconds,
                     "stop after this many seconds (default: at Ctrl-C or SIGTERM)")
-        ->check(secondsFrom(SHORTEST_RUN, LONGEST_RUN));
+        ->check(secondsFrom(SHORTEST_SIMULATION, LONGEST_RUN));
     m_options.footer(simulateFooter());
 }
 

@@ -28,16 +28,16 @@ std::string hint(const PlannedRequest &request, const Gap &gap, const Link &link
 
 std::vector<std::string> planReport(const Link &link, const std::vector<PlannedRequest> &plan)
 {
-    TextTable table({"station", "function", "registers", "read", "needed", "gap", "bytes", "ms"});
+    TextTable table({"station", "function", "registers", "asked", "wanted", "gap", "bytes", "ms"});
     microseconds total{};
     std::vector<std::string> hints;
     for (const PlannedRequest &request : plan) {
         const RequestCost cost = costOf(request, link);
         table.add({std::to_string(request.var.station), std::to_string(cost.function),
                    std::to_string(cost.wireRegister) + ".."
-                       + std::to_string(cost.wireRegister + cost.registers - 1),
-                   std::to_string(cost.registers), std::to_string(cost.needed),
-                   std::to_string(cost.registers - cost.needed), std::to_string(cost.bytes),
+                       + std::to_string(cost.wireRegister + cost.asked - 1),
+                   std::to_string(cost.asked), std::to_string(cost.wanted),
+                   std::to_string(cost.asked - cost.wanted), std::to_string(cost.bytes),
                    thousandths(cost.wireTime.count())});
         total += cost.wireTime + 2 * silenceTime(link.line);
         for (const Gap &gap : cost.gaps)

@@ -49,8 +49,8 @@ RequestCost costOf(const PlannedRequest &request, const Link &link)
     RequestCost cost;
     cost.function = byteAt(request.frame, 1);
     cost.wireRegister = byteAt(request.frame, 2) << BYTE_BITS | byteAt(request.frame, 3);
-    cost.registers = request.var.count;
-    cost.needed = static_cast<int>(std::count(needed.begin(), needed.end(), true));
+    cost.asked = request.var.count;
+    cost.wanted = static_cast<int>(std::count(needed.begin(), needed.end(), true));
     cost.bytes = request.frame.size() + request.replyLength;
     cost.wireTime = wireTime(link.line, cost.bytes);
     cost.gaps = gapsIn(needed, request.var.addr);

@@ -18,9 +18,9 @@ struct Gap {
 struct RequestCost {
     int function;
     int wireRegister; ///< the first one, as numbered on the line
-    int registers;
-    int needed; ///< registers that a variable needs
-    int bytes;  ///< of request and response
+    int asked;        ///< registers of the request
+    int wanted;       ///< registers that a variable needs
+    int bytes;        ///< of request and response
     microseconds wireTime;
     std::vector<Gap> gaps;
 };
