@@ -1,6 +1,6 @@
 #include "host/commands/line_options.h"
 
-#include "host/commands/numbers.h"
+#include "host/commands/number_options.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/text/numbers.h"
 

@@ -1,7 +1,7 @@
 #include "host/commands/one_shot.h"
 
 #include "host/commands/exit_status.h"
-#include "host/commands/numbers.h"
+#include "host/commands/number_options.h"
 #include "host/core/line/port_error.h"
 #include "host/core/sizes/limits.h"
 

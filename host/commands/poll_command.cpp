@@ -1,7 +1,7 @@
 #include "host/commands/poll_command.h"
 
 #include "host/commands/exit_status.h"
-#include "host/commands/numbers.h"
+#include "host/commands/number_options.h"
 #include "host/core/links/link_file.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/text/numbers.h"

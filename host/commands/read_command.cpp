@@ -2,7 +2,7 @@
 
 #include "host/commands/exit_status.h"
 #include "host/commands/help_texts.h"
-#include "host/commands/numbers.h"
+#include "host/commands/number_options.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/sizes/units.h"
 

@@ -2,7 +2,7 @@
 
 #include "host/commands/console.h"
 #include "host/commands/exit_status.h"
-#include "host/commands/numbers.h"
+#include "host/commands/number_options.h"
 #include "host/commands/simulate_faults.h"
 #include "host/commands/simulate_report.h"
 #include "host/commands/simulate_run.h"

@@ -1,6 +1,6 @@
 #include "host/commands/simulate_faults.h"
 
-#include "host/commands/numbers.h"
+#include "host/commands/number_options.h"
 
 #include <algorithm>
 #include <chrono>

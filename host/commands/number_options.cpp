@@ -1,4 +1,4 @@
-#include "host/commands/numbers.h"
+#include "host/commands/number_options.h"
 
 #include <stdexcept>
 
