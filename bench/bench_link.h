@@ -31,6 +31,8 @@ public:
     /// Executes all queued writes. Throws std::logic_error if the queue does not become empty.
     void drain();
 
+    void setMaxRegs(int maxRegs) { m_info.maxRegs = maxRegs; }
+
     const velko::DriverLibrary &driver() const { return *m_driver; }
 
 private:

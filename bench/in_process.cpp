@@ -185,7 +185,27 @@ BENCHMARK(writeBits)
     ->Name("write-bits-in-one-call")
     ->ArgName("bits")
     ->Arg(10000)
+    ->Arg(1 << 20)
     ->Unit(benchmark::kMillisecond);
+
+// The longest read that one call can name, in the smallest pieces.
+void readOnce(benchmark::State &state)
+{
+    BenchLink link;
+    link.setMaxRegs(1);
+    for ([[maybe_unused]] auto turn : state) {
+        RW_VAR request;
+        request.varKind = KIND_HOLDING_WORD;
+        request.addrText = QStringLiteral("0");
+        request.station = 1;
+        request.count = LIMIT_REGISTERS;
+        link.driver().AddListOnceReadVar(&request, QUEUE_CHECKED);
+        state.PauseTiming();
+        link.drain();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(readOnce)->Name("read-once-65536-pieces")->Unit(benchmark::kMillisecond);
 
 } // namespace
 

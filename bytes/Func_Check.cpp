@@ -31,8 +31,8 @@ unsigned char byteAt(const QByteArray &array, int index)
 
 } // namespace
 
-// Unrolled, this loop is a page of code: there is one copy of it, whoever calls it, and profiles
-// show it.
+// Not inlined: the compiler unrolls this loop to a page of code, and one copy of it is enough. It
+// also stays visible in profiles.
 __attribute__((noinline)) unsigned short CalCRC(const unsigned char *bytes, unsigned short length)
 {
     unsigned int crc = CRC_START;
@@ -91,7 +91,7 @@ int CheckGetData(const QByteArray *reply, int length)
 {
     const RW_VAR &request = PLC_driver.pendingList.first().var;
     if (length == 0 && request.station == BROADCAST_STATION)
-        return REPLY_TO_WRITE; // nobody answers a broadcast
+        return REPLY_TO_WRITE; // no slave responds to a broadcast
     if (length < CRC_BYTES || length > reply->size())
         return REPLY_INVALID;
 

@@ -1,4 +1,5 @@
-// The message handler that a host may install: one time-stamped line per message in "debug.log".
+// The message handler that a host may install: it writes each message to "debug.log" as one line
+// with a time stamp.
 #include "velko_modbus_rtu.h"
 
 #include <QDateTime>
@@ -10,13 +11,14 @@
 namespace
 {
 
-// Keeps a line whole when several threads log at once, and guards `check`.
+// Keeps lines whole when several threads log at the same time; also guards `check`.
 QMutex logMutex;
 
-// True until the first message after loading, which starts a new file.
+// True until the first message after loading. That message starts a new file.
 bool check = true;
 
-// What Qt itself reports while a line is written would come back here and wait for logMutex.
+// A message of Qt's own while a line is written would enter the handler again and wait for logMutex
+// for ever. True on the thread that writes, so that such a message is dropped.
 thread_local bool writing = false;
 
 class WritingMark
@@ -27,15 +29,15 @@ public:
     Q_DISABLE_COPY(WritingMark)
 };
 
-// "yyyy.MM.dd.hh:mm:ss.z" as Qt 4 writes it. The milliseconds are appended by hand because newer
-// versions of Qt take "z" for a fraction: 7 ms would become 007.
+// Formats "yyyy.MM.dd.hh:mm:ss.z" as Qt 4 does. The milliseconds are appended separately because
+// later versions of Qt treat "z" as a fraction: 7 ms would become 007.
 QString timeStamp(const QDateTime &now)
 {
     return now.toString(QLatin1String("yyyy.MM.dd.hh:mm:ss.")) + QString::number(now.time().msec());
 }
 
-// What Qt 4 takes the bytes of a message for: Latin-1, unless the host has set a codec for C strings.
-// Later versions know no such codec.
+// Decodes a message as Qt 4 does: as Latin-1, unless the host has set a codec for C strings. Later
+// versions of Qt have no such codec.
 QString textOf(const char *message)
 {
 #if QT_VERSION < 0x050000
@@ -59,7 +61,7 @@ void customMessageHandler(QtMsgType, const char *message)
         check ? QIODevice::WriteOnly : QIODevice::WriteOnly | QIODevice::Append;
     check = false;
     if (!file.open(mode))
-        return; // a stream over a closed file would only make Qt complain
+        return; // a stream on a closed file only makes Qt print a warning
     QTextStream stream(&file);
     stream << timeStamp(QDateTime::currentDateTime()) << QLatin1Char(':') << textOf(message)
            << QLatin1Char('\n');

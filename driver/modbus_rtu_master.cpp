@@ -1,7 +1,7 @@
 #include "driver/modbus_rtu_master.h"
 
-// One file defines both, in this order: within a file construction follows definition and
-// destruction reverses it, whatever order the files are linked in.
+// Both are defined in this file, in this order. Objects of one file are constructed in the order of
+// their definitions and destroyed in the reverse order, whatever the link order is.
 Modbus_RTU_Master PLC_driver;
 StationImages DataStorage;
 

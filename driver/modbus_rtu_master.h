@@ -1,4 +1,4 @@
-// The driver object: the lists, tables and flags that every part of the library works on.
+// The driver object: the lists, tables and flags that all functions of the library share.
 #pragma once
 
 #include "driver/pending_merge.h"
@@ -8,15 +8,15 @@
 
 #include <atomic>
 
-/// The list that the request on the line came from.
+/// The list that holds the request on the line.
 enum RequestSource { SOURCE_CYCLIC = 0, SOURCE_WRITE = 1, SOURCE_ONCE = 2, SOURCE_NONE = 100 };
 
-/// Lock order: listMutex first, then one of the others. Nothing takes listMutex while it holds
-/// another. "Communication thread" is the one that calls ComCommunication and DataCom.
+/// Lock order: listMutex first, then one of the others. No thread takes listMutex while it holds
+/// another of them. The communication thread is the one that calls ComCommunication and DataCom.
 class Modbus_RTU_Master
 {
 public:
-    // Set up before the communication loop starts. Not owned; null until SetComInfo.
+    // Set before the communication loop starts. Not owned; null until SetComInfo is called.
     ComInfo *comInfo = nullptr;
 
     // Guarded by listMutex. The head of writeList or onceReadList is the request in progress.
@@ -25,14 +25,14 @@ public:
     QList<RW_VAR> onceReadList;
     QList<RW_VAR> spareList;
 
-    // Communication thread alone. Frames of one request at most; the head is on the line.
+    // Communication thread only. Frames of at most one request; the head is on the line.
     QList<Protocol> pendingList;
     QList<EXTENDVAR> extendList;
 
     // Guarded by stationMutex. Disabled stations; the values are always 0.
     QMap<int, int> stationMap;
 
-    // Set up before the communication loop starts.
+    // Set before the communication loop starts.
     RequestDoneFunc onRequestDone = nullptr;
     CommFailFunc onCommFail = nullptr;
 
@@ -40,20 +40,20 @@ public:
     QMutex storeMutex; // guards DataStorage
     QMutex stationMutex;
 
-    // Communication thread alone; what DataCom returns.
+    // Communication thread only. DataCom returns the address of retVar.
     RW_VAR retVar;
     int activeSource = SOURCE_NONE;
     int writeBurst = 0;
     int onceBurst = 0;
 
-    // Guarded by listMutex, as ComInfo's cycleDone is: a rebuild sets both.
+    // Guarded by listMutex, like ComInfo's cycleDone: a rebuild of readList sets both.
     int cycleCount = 0;
 
     // Written by the communication thread, read by every thread that writes values.
     std::atomic<unsigned char> commFailed{0};
     unsigned char spareFlag = 0;
 
-    // Communication thread alone.
+    // Communication thread only.
     PendingMerge pendingMerge;
 };
 

@@ -1,10 +1,10 @@
-// Copies of what a host hands in. A host may make its texts and arrays with fromRawData() and use the
-// memory behind them again as soon as the call has returned, so a shared handle is not a copy.
+// Deep copies of the texts and arrays that a host passes. A host may create them with fromRawData()
+// and reuse their memory as soon as the call has returned, so a shared handle is not enough.
 #pragma once
 
 #include "driver/records.h"
 
-/// Both share no byte with their argument. Null stays null.
+/// Both return a copy that shares no byte with the argument. Null stays null.
 inline QString ownText(const QString &text)
 {
     return text.isEmpty() ? text : QString(text.constData(), text.size());
@@ -15,7 +15,7 @@ inline QByteArray ownBytes(const QByteArray &bytes)
     return bytes.isEmpty() ? bytes : QByteArray(bytes.constData(), bytes.size());
 }
 
-/// A copy of the record that may be kept beyond the call.
+/// Returns a copy of the record that may be kept after the call.
 inline RW_VAR ownRecord(const RW_VAR &record)
 {
     RW_VAR own = record;

@@ -12,7 +12,7 @@ int withBit(int registerValue, const PendingMerge &merge)
     return merge.value != 0 ? registerValue | bit : registerValue & ~bit;
 }
 
-// An even byte is its register's low byte, an odd one its high byte.
+// An even byte offset is the low byte of its register, an odd one the high byte.
 int withByte(int registerValue, const PendingMerge &merge)
 {
     return (merge.addr & 1) != 0 ? (registerValue & 0x00FF) | merge.value << BYTE_BITS

@@ -1,9 +1,10 @@
-// The one bit or byte that a read-modify-write changes in its register.
+// The bit or byte that a read-modify-write changes in its register.
 #pragma once
 
 #include "driver/records.h"
 
-/// Kept apart from the write queue, to which other threads append while a reply is being saved.
+/// Separate from the write queue because other threads append to that queue while a response is
+/// saved.
 struct PendingMerge {
     bool active = false;
     int varKind = 0;
@@ -11,8 +12,8 @@ struct PendingMerge {
     unsigned char value = 0; // first value byte of the write
 };
 
-/// The merge that a queued write of a bit or a byte stands for.
+/// Returns the merge for a queued write of one bit or one byte.
 PendingMerge mergeOf(const RW_VAR &write);
 
-/// The register as it was read, with the bit or the byte in it.
+/// Returns the register that was read, with the bit or the byte replaced.
 int mergedRegister(int registerValue, const PendingMerge &merge);

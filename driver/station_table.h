@@ -1,5 +1,5 @@
 // The table of disabled stations.
 #pragma once
 
-/// True when the station is disabled. Takes stationMutex; the caller may hold listMutex.
+/// Returns true if the station is disabled. Takes stationMutex; the caller may hold listMutex.
 bool Ethernetcontains(int station);

@@ -1,4 +1,4 @@
-// The sizes that follow from Modbus registers, one name for each.
+// Sizes of Modbus registers and of their parts.
 #pragma once
 
 const int BYTE_BITS = 8;

@@ -5,7 +5,7 @@
 namespace
 {
 
-const int AREAS = 3; // kind = AREAS x width class + area index
+const int AREAS = 3; // kind = AREAS * width class + area index
 const int HOLDING_5000_INDEX = AREA_HOLDING_5000 - AREA_INPUT;
 const int HOLDING_5000_OFFSET = 5000;
 

@@ -1,14 +1,15 @@
-// What a variable kind says: its width, its register area and that area's offset on the line.
+// The properties of a variable kind: its width, its register area and the area's offset on the line.
 #pragma once
 
 enum WidthClass { WIDTH_NONE = -1, WIDTH_BIT = 0, WIDTH_BYTE, WIDTH_WORD, WIDTH_DWORD };
 
-/// Width of a kind; WIDTH_NONE outside 0 to 11.
+/// Returns the width of a kind, or WIDTH_NONE for a value outside 0 to 11.
 WidthClass widthOf(int kind);
 
-/// Area code of a kind; a value outside 0 to 11 is returned unchanged.
+/// Returns the area code of a kind. A value outside 0 to 11 is returned unchanged.
 int getPlcReg(int kind);
 
-/// Registers to add on the line: 5000 for 2, 5, 8 and 11, else 0. Area code 8 and the kinds of its
-/// area are the same set of numbers, so one rule serves read records and write records.
+/// Returns the number to add to a register address on the line: 5000 for 2, 5, 8 and 11, otherwise
+/// 0. One rule serves the area codes of read records and the kinds of write records, because area
+/// code 8 is also the number of a kind of that area.
 int getPlcAdd(int areaOrKind);

@@ -14,7 +14,7 @@ namespace
 
 const int COMM_FAIL_FLAG = 1;
 
-// Counters that the host can set to anything stop at the largest number.
+// The host can set these counters to any number, so they stop at the largest int.
 void countUp(int &counter)
 {
     if (counter < std::numeric_limits<int>::max())
@@ -35,7 +35,7 @@ bool isQueuedAgain(const QList<RW_VAR> &list)
     return false;
 }
 
-// --- The end of a request. All of these expect listMutex to be held. ---
+// --- The end of a request. The caller holds listMutex. ---
 
 void callRequestDone(const RW_VAR &request, REQUEST_STATUS status)
 {
@@ -44,7 +44,7 @@ void callRequestDone(const RW_VAR &request, REQUEST_STATUS status)
                                  status);
 }
 
-// "Done" is held back while a later entry of the same owner will report it.
+// Does not report "done" if a later entry of the same owner is queued: that entry will report it.
 void reportHead(const QList<RW_VAR> &list)
 {
     if (PLC_driver.commFailed != 0)
@@ -88,7 +88,7 @@ void advanceList(bool local)
     }
 }
 
-// What a give-up takes with it: the queued entries of the same owner.
+// Removes the queued entries that have the same owner as the request that was given up.
 void purge(QList<RW_VAR> &list)
 {
     const bool anyStation = PLC_driver.comInfo->perVarStation == 0;
@@ -118,7 +118,7 @@ int endRequest(int result, bool local)
     return result;
 }
 
-// --- After the judgement. Both return what goes into retCode and expect listMutex to be held. ---
+// --- After the check of the response. Both return the new retCode. The caller holds listMutex. ---
 
 void countTowardCycle()
 {
@@ -138,8 +138,8 @@ int afterGoodExchange(int result, bool local)
     PLC_driver.commFailed = 0;
     PLC_driver.pendingList.removeFirst();
     countUp(info.frameDone);
-    // The second test keeps a read-modify-write whole should the host have put another record in
-    // place, with counters of its own, between its two frames.
+    // The second test completes a read-modify-write even if the host has called SetComInfo with
+    // another record, whose counters differ, between the two frames.
     if (info.frameDone < info.frameTotal || !PLC_driver.pendingList.isEmpty())
         return result;
     if (local)
@@ -169,7 +169,7 @@ void handleReply(const QByteArray &reply, int length)
     const QMutexLocker lock(&PLC_driver.listMutex);
     const int verdict = velko_result_is_good(result) ? afterGoodExchange(result, local)
                                                      : afterFailedExchange(result, local);
-    PLC_driver.retVar.retCode = verdict; // last: the request's own retCode has been copied in
+    PLC_driver.retVar.retCode = verdict; // last, because the request's own retCode has been copied
 }
 
 } // namespace

@@ -1,7 +1,7 @@
-// What becomes of a request after its reply was judged.
+// Finishes, repeats or gives up a request after the check of its response.
 #pragma once
 
 #include "driver/records.h"
 
-/// Copies every field but `value`, which is emptied.
+/// Copies all fields except `value`, which becomes empty.
 void passRetValue(const RW_VAR &from, RW_VAR &to);

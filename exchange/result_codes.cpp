@@ -5,7 +5,7 @@
 namespace
 {
 
-// A class of error codes begins one above its base.
+// The first code of a class is its base + 1.
 int errorOf(RESULT_CODE firstOfClass)
 {
     return SwitchErrorReturn(firstOfClass - 1);

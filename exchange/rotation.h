@@ -1,10 +1,10 @@
-// Turning a request list, so that each request has its turn.
+// Rotates a request list, so that each request has its turn.
 #pragma once
 
 #include "driver/records.h"
 
-/// Makes the first request the last one. The list is not empty. QList::move() would shift the whole
-/// list; this takes, on average, as long for a long list as for a short one.
+/// Moves the first request to the end. The list must not be empty. QList::move() would shift the whole
+/// list; the average time of this function does not depend on the length of the list.
 inline void rotate(QList<RW_VAR> &list)
 {
     list.append(list.takeFirst());

@@ -1,4 +1,4 @@
-// Which request goes out next: writes, then one-shot reads, then the cyclic list.
+// Selects the next request: writes, then one-shot reads, then the cyclic list.
 #include "driver/modbus_rtu_master.h"
 #include "driver/station_table.h"
 #include "exchange/rotation.h"
@@ -11,7 +11,8 @@
 namespace
 {
 
-// Turns in a row that writes, and one-shot reads, get before the cyclic list has its turn.
+// Maximum consecutive turns of the write queue, and of the one-shot queue, before the cyclic list has
+// its turn.
 const int BURST_LIMIT = 5;
 
 typedef void (*FrameBuilder)(RW_VAR *record);
@@ -26,9 +27,9 @@ FrameBuilder writeBuilder()
     return PLC_driver.comInfo->remoteMode != 0 ? Remote_WriteVar : WriteRegister;
 }
 
-// Builds the request of the first record whose station is enabled and brings that record to the
-// head by rotating the list. A record that gets no frame is removed, since no reply would ever take
-// it off. Each record is looked at once. Returns whether a request was built.
+// Rotates the list until the head's station is enabled, then builds the head's request. Removes a
+// record for which no frame is built, because no response would ever remove it. Visits each record
+// at most once. Returns whether a request was built.
 bool serveHead(QList<RW_VAR> &list, FrameBuilder build)
 {
     for (int left = list.size(); left > 0; --left) {

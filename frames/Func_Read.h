@@ -3,7 +3,7 @@
 
 #include "driver/records.h"
 
-/// The read request for a record in read form (area code, register, count). Queues nothing.
+/// Returns the read request for a record in read form (area code, register, count). Queues nothing.
 Protocol ReadAnalog(const RW_VAR &record);
 
 /// Queues the read request of a record. Communication thread, listMutex held.

@@ -27,7 +27,7 @@ QByteArray remoteFrame(const RW_VAR &record, const QByteArray &value)
     return frame;
 }
 
-// For any count that a host can put in: it wraps instead of overflowing.
+// Unsigned, so that it wraps for any count that a host can set.
 int registerBytes(int count, int overhead)
 {
     const unsigned int bytes =

@@ -19,7 +19,8 @@ int registersOf(const RW_VAR &record)
     return record.count & 0xFFFF;
 }
 
-// A count that only fits once it has wrapped would write less than was asked and be reported done.
+// Both tests are needed: a count that fits only modulo 65,536 would write fewer registers than
+// requested and still be reported as done.
 bool fitsOneFrame(const RW_VAR &record)
 {
     return record.count <= WRITE_MOST_REGISTERS && registersOf(record) <= WRITE_MOST_REGISTERS;
@@ -31,7 +32,7 @@ void queueDirectWrite(const RW_VAR &record)
         queueRequest(WriteBool(record));
 }
 
-// The register is read first; its reply completes the write frame queued behind the read.
+// Queues a read of the register, then the write. The read response completes the write frame.
 void queueReadModifyWrite(const RW_VAR &record, int registerNumber, int byteOffset)
 {
     RW_VAR half = record;
@@ -63,7 +64,7 @@ Protocol WriteBool(const RW_VAR &record)
     putWord(frame, record.addr / REGISTER_BYTES + getPlcAdd(record.varKind));
     putWord(frame, registers);
     putByte(frame, dataLen);
-    // A double word needs no order of its own: its low half is its lower register.
+    // Double words need no order of their own: the lower register holds the low half.
     frame.append(swappedRegisters(record.value, registers));
     appendCRC(frame);
     return requestOf(std::move(frame), record, WRITE_REPLY_BYTES);
@@ -86,7 +87,7 @@ void WriteRegister(RW_VAR *record)
     case KIND_HOLDING_5000_BIT:
         queueReadModifyWrite(*record, record->addr / REGISTER_BITS, record->addr / BYTE_BITS);
         break;
-    default: // the input area, or no kind at all: there is no request that writes it
+    default: // the input area or an unknown kind: no Modbus request writes it
         break;
     }
     if (PLC_driver.commFailed == 0)

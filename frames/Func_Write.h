@@ -3,11 +3,12 @@
 
 #include "driver/records.h"
 
-/// The function 16 request for a record in write form whose `addr` is a byte offset. Missing value
-/// bytes count as 0. Queues nothing. The record's count, modulo 65,536, is at most 32,763 registers.
+/// Returns the function 16 request for a record in write form whose `addr` is a byte offset. The
+/// record's count, modulo 65,536, is at most 32,763 registers. Missing value bytes count as 0.
+/// Queues nothing.
 Protocol WriteBool(const RW_VAR &record);
 
-/// Queues the one or two frames of a record in write form, or none if its kind or its length has no
-/// Modbus request. Shows the value in the store unless the last exchange failed. Communication
-/// thread, listMutex held; takes storeMutex.
+/// Queues the one or two frames of a record in write form, or none if no Modbus request can write its
+/// kind or its length. Copies the value into the store unless the last exchange failed.
+/// Communication thread, listMutex held; takes storeMutex.
 void WriteRegister(RW_VAR *record);

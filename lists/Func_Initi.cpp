@@ -17,10 +17,10 @@ namespace
 /// Station -> area code -> requests, both in ascending order.
 typedef QMap<int, QMap<int, QList<RW_VAR>>> RequestGroups;
 
-/// The order in which the records stand once they are sorted: their places now.
+/// Returns the present index of each record, in sorted order.
 std::vector<int> sortedPlaces(const QList<RW_VAR> &records)
 {
-    std::vector<std::pair<int, int>> keys; // address, then place: equal addresses keep their order
+    std::vector<std::pair<int, int>> keys; // address, then index: equal addresses keep their order
     keys.reserve(static_cast<size_t>(records.size()));
     for (int i = 0; i < records.size(); ++i)
         keys.push_back(std::make_pair(records.at(i).addr, i));
@@ -32,7 +32,7 @@ std::vector<int> sortedPlaces(const QList<RW_VAR> &records)
     return places;
 }
 
-/// Moves each record once: the one at places[i] goes to i. Leaves `places` without use.
+/// Moves the record at places[i] to i, each record once. Overwrites `places`.
 void moveTo(std::vector<int> &places, const QList<RW_VAR>::iterator &records)
 {
     for (int start = 0; start < static_cast<int>(places.size()); ++start) {
@@ -56,7 +56,7 @@ qint64 endOf(const RW_VAR &record)
     return static_cast<qint64>(record.addr) + record.count;
 }
 
-// A gap is worth reading only while the next record starts within one request's reach.
+// Gap registers are read only if the next record starts at most maxRegs registers after this one.
 bool isApart(const RW_VAR &current, const RW_VAR &next, int maxRegs)
 {
     return endOf(current) < next.addr && next.addr > static_cast<qint64>(current.addr) + maxRegs;
@@ -68,7 +68,7 @@ void mergeInto(RW_VAR &current, const RW_VAR &next)
         current.count = static_cast<int>(endOf(next) - current.addr);
 }
 
-// In ascending order of station and area.
+// Calls `work` for each group, in ascending order of station and area.
 template <typename Work> void forEachGroup(RequestGroups &groups, const Work &work)
 {
     for (RequestGroups::iterator station = groups.begin(); station != groups.end(); ++station) {
@@ -87,7 +87,7 @@ RW_VAR cyclicTemplate(const ComInfo &info)
     return record;
 }
 
-// False for an item that is left out.
+// Returns false if the item is left out.
 bool fillFromItem(RW_VAR &record, const VAR_ITEM &item, int station)
 {
     record.station = station;
@@ -103,7 +103,7 @@ bool fillFromItem(RW_VAR &record, const VAR_ITEM &item, int station)
     return range.count <= LIMIT_REGISTERS;
 }
 
-// One group for each station and area, sorted.
+// Returns one sorted group for each station and area.
 RequestGroups groupItems(const QList<VAR_ITEM> &items, const ComInfo &info)
 {
     RequestGroups groups;
@@ -120,7 +120,7 @@ RequestGroups groupItems(const QList<VAR_ITEM> &items, const ComInfo &info)
 
 void Bubble_Sort(QList<RW_VAR> *records)
 {
-    // Records are large: numbers are sorted, and each record is moved only once.
+    // Records are large, so only their addresses are sorted and each record is moved at most once.
     std::vector<int> places = sortedPlaces(*records);
     moveTo(places, records->begin());
 }
@@ -161,8 +161,8 @@ int ReCreatReadVarList(const QList<VAR_ITEM> *items)
     ComInfo *const info = PLC_driver.comInfo;
     if (!info)
         return 0;
-    // What takes long is done before the lock is taken and, for the old list, after it was released:
-    // the communication loop goes on meanwhile.
+    // The items are sorted before the lock is taken, and the old list is freed after its release, so
+    // the communication loop does not wait for either.
     const int maxRegs = info->maxRegs;
     RequestGroups groups = items ? groupItems(*items, *info) : RequestGroups();
     QList<RW_VAR> old;

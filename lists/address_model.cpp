@@ -21,7 +21,7 @@ int withinInt(qint64 offset)
     return fits ? static_cast<int>(offset) : INVALID_ADDRESS;
 }
 
-// 64 bits wide: the product may pass the largest int.
+// 64 bits wide because the product may exceed the largest int.
 qint64 linear(const QString &text, qint64 perUnit)
 {
     return decimalNumber(text) * perUnit;

@@ -1,22 +1,22 @@
-// Address texts, linear offsets and register ranges. Pure computation: any thread, no lock.
+// Address texts, linear offsets and register ranges. Pure functions: any thread, no lock.
 #pragma once
 
 #include <QString>
 
-/// A run of registers of one area, numbered before the area's offset on the line is added.
+/// Consecutive registers of one area. The area's offset on the line is not yet added.
 struct RegisterRange {
     int areaCode;
     int firstRegister;
-    int count; ///< registers; 0 or less for a length of nothing
+    int count; ///< registers; 0 or less if the length is less than 1
 };
 
-/// The linear offset of an address text: bits for the bit kinds, bytes for the others. Negative, -1
-/// or another number, for an address that is to be refused.
+/// Returns the linear offset of an address text: in bits for the bit kinds, in bytes for the others.
+/// Any negative result marks an invalid address.
 int StringAddressToInt(int kind, const QString &text);
 
-/// The registers that hold any part of a variable. `kind` is 0 to 11, `offset` (linear) not
-/// negative, `length` any number of the kind's units.
+/// Returns all registers that hold a part of a variable. `kind` is 0 to 11, `offset` is linear and
+/// not negative, `length` is any number of the kind's units.
 RegisterRange ToRegisterRange(int kind, int offset, int length);
 
-/// True when a length covers more registers than one call may name (LIMIT_REGISTERS).
+/// Returns true if the variable covers more registers than one call may (LIMIT_REGISTERS).
 bool passesRegisterLimit(int kind, int offset, int length);

@@ -7,10 +7,10 @@ namespace
 {
 
 const int NOT_PLAIN = -1;
-const int MAX_PLAIN_DIGITS = 9; // what always fits
+const int MAX_PLAIN_DIGITS = 9; // always fit an int
 
-// Nearly all addresses are a few plain digits, which mean the same in every locale. Qt takes hundreds
-// of instructions for them, in every call that reads or writes a value.
+// A fast path. Nearly all addresses are a few plain digits, which mean the same in every locale. Qt
+// needs hundreds of instructions for them in every call that reads or writes a value.
 int plainNumber(const QString &text)
 {
     if (text.isEmpty() || text.size() > MAX_PLAIN_DIGITS)
@@ -35,8 +35,8 @@ int decimalNumber(const QString &text)
 #if QT_VERSION < 0x050000
     return text.toInt();
 #else
-    // Since Qt 5 toInt() knows the "C" locale only. It comes first here, since it is the faster one
-    // and no locale reads its numbers in another way.
+    // Since Qt 5, toInt() uses the "C" locale only. It comes first because it is faster and because no
+    // locale reads such numbers differently.
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
     if (isNumber)

@@ -1,16 +1,16 @@
-// The cutting of a run of registers into requests of at most maxRegs registers.
+// Cuts consecutive registers into requests of at most maxRegs registers.
 #pragma once
 
 #include "driver/records.h"
 
-/// A host's maxRegs as it is used: less than 1 counts as 1.
+/// Returns the host's maxRegs, or 1 if it is less than 1.
 inline int usableMaxRegs(int maxRegs)
 {
     return qMax(maxRegs, 1);
 }
 
-/// Pieces of maxRegs registers each, the last one shorter where they do not come out even. A run of
-/// no registers, or less, has no pieces.
+/// Pieces of maxRegs registers each; the last piece may be shorter. If `registers` is less than 1,
+/// there are no pieces.
 class RegisterPieces
 {
 public:
@@ -24,10 +24,10 @@ public:
     int count() const { return full() + (rest() > 0 ? 1 : 0); }
     int rest() const { return m_registers % m_perPiece; }
 
-    /// Registers before piece `index`, which is 0 to full().
+    /// Number of registers before piece `index`, which is 0 to full().
     int start(int index) const { return index * m_perPiece; }
 
-    /// Registers of piece `index`, which is 0 to count() - 1.
+    /// Number of registers in piece `index`, which is 0 to count() - 1.
     int size(int index) const { return index < full() ? m_perPiece : rest(); }
 
 private:
@@ -35,11 +35,11 @@ private:
     int m_perPiece;
 };
 
-/// The piece of a record in read form; its other fields are the record's.
+/// Returns one piece of a record in read form. The piece keeps the record's other fields.
 inline RW_VAR pieceOf(const RW_VAR &record, const RegisterPieces &pieces, int index)
 {
     RW_VAR piece = record;
-    // Wraps where a host's own record ends past the largest number.
+    // Unsigned, so that the sum wraps if a host's record ends above the largest int.
     piece.addr = static_cast<int>(static_cast<unsigned int>(record.addr)
                                   + static_cast<unsigned int>(pieces.start(index)));
     piece.count = pieces.size(index);

@@ -1,4 +1,5 @@
-// The write queue and the one-shot read queue: one entry per target, at most LIMIT_QUEUE_ENTRIES.
+// The write queue and the one-shot read queue: in checked mode one entry per target and at most
+// LIMIT_QUEUE_ENTRIES entries.
 #include "lists/request_queues.h"
 
 #include "driver/modbus_rtu_master.h"
@@ -13,8 +14,8 @@ namespace
 
 const int NOT_QUEUED = -1;
 
-// The address first, since it is what differs between the pieces of a long write: each of them is
-// compared with the whole queue.
+// Compares the address first because it differs between the pieces of a long write, and each piece
+// is compared with the whole queue.
 bool haveSameRange(const RW_VAR &left, const RW_VAR &right)
 {
     return left.addr == right.addr && left.station == right.station && left.varKind == right.varKind
@@ -43,7 +44,7 @@ void appendWithinCapacity(QList<RW_VAR> &queue, const RW_VAR &request)
         queue.append(request);
 }
 
-// The head may be on the line with its old value, so it is never overwritten.
+// Never overwrites the head, which may be on the line with its old value.
 void queueWrite(QList<RW_VAR> &queue, const RW_VAR &request)
 {
     const int same = indexOf(queue, request, 1, haveSameRange);
@@ -59,7 +60,7 @@ void queueOnceRead(QList<RW_VAR> &queue, const RW_VAR &request)
         appendWithinCapacity(queue, request);
 }
 
-// Rewrites the request from the host's form to a register range; false when it is refused.
+// Converts the request from the host's form into a register range. Returns false if it is refused.
 bool convertOnceRead(RW_VAR &request, const ComInfo &info)
 {
     if (info.perVarStation == 0)

@@ -1,8 +1,8 @@
-// The write queue, for what lies above it in the library.
+// Access to the write queue for the layers above this one.
 #pragma once
 
 #include "driver/records.h"
 
-/// AddListWriteVar for a record that shares no byte with the host: the pieces of one write share their
-/// texts, which are copied once. Any thread; takes listMutex.
+/// Does what AddListWriteVar does, without its deep copy: the record must share no byte with the
+/// host. So the pieces of one write share one copy of their texts. Any thread; takes listMutex.
 int queueOwnWrite(const RW_VAR &own, int mode);

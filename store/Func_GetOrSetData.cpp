@@ -17,7 +17,7 @@
 namespace
 {
 
-// Bytes that `length` units take in the image, for every width but the bit.
+// Returns the size of `length` units in the image, in bytes. Not for bits.
 qint64 imageBytes(WidthClass width, qint64 length)
 {
     switch (width) {
@@ -34,13 +34,13 @@ qint64 imageBytes(WidthClass width, qint64 length)
 
 // --- Reading ---
 
-// Bytes that `length` units take in what the host gets, 1 unit or more.
+// Returns the size of `length` units in the host's output, in bytes. `length` is at least 1.
 int outputBytes(WidthClass width, int length)
 {
     switch (width) {
     case WIDTH_BIT:
         return length;
-    case WIDTH_BYTE: // hosts know a byte run by its double length, the second half 0
+    case WIDTH_BYTE: // hosts expect twice the length, with zeros in the second half
         return 2 * length;
     default:
         return static_cast<int>(imageBytes(width, length));
@@ -63,9 +63,9 @@ void readUnits(const AreaImage &image, WidthClass width, int offset, int length,
         readBytes(image, offset, static_cast<int>(imageBytes(width, length)), to);
 }
 
-// --- Writing to the device ---
+// --- Writing ---
 
-// Shares no byte with the whole value, which is the host's.
+// Returns a deep copy, because the whole value is the host's.
 QByteArray partOf(const QByteArray &value, int start, int length)
 {
     QByteArray part(length, '\0');
@@ -75,7 +75,8 @@ QByteArray partOf(const QByteArray &value, int start, int length)
     return part;
 }
 
-// A piece's linear offset has to fit its record. `last` is that of the last piece, from `offset` on.
+// Returns true if the linear offset of the last piece does not fit an int. `last` is its distance
+// from `offset`.
 bool leavesInt(int offset, int last)
 {
     return offset > std::numeric_limits<int>::max() - last;
@@ -87,7 +88,7 @@ int queuePiece(RW_VAR &record, int addr, int count, const QByteArray &value)
     record.count = count;
     record.value = value;
     const int queued = queueOwnWrite(record, QUEUE_CHECKED);
-    // While the line fails the builder leaves the store alone, so it is kept in step here.
+    // While exchanges fail, the frame builder does not update the store, so this function does.
     if (PLC_driver.commFailed != 0)
         WriteDataToLocal(&record);
     return queued;
@@ -121,7 +122,7 @@ int queueRegisters(RW_VAR &record, int offset, int registers, const QByteArray &
 int writeToDevice(RW_VAR &record, int offset, int length, const QByteArray &value)
 {
     if (PLC_driver.comInfo->remoteMode == 0 && getPlcReg(record.varKind) == AREA_INPUT)
-        return 0; // there is no request that writes it
+        return 0; // no Modbus request writes this area
     const WidthClass width = widthOf(record.varKind);
     if (width == WIDTH_BIT || width == WIDTH_BYTE)
         return queueSingles(record, offset, length, value);
@@ -160,8 +161,8 @@ int GetRegisterData(int, int kind, const QString &addrText, int station, QByteAr
     if (!output || offset < 0 || passesRegisterLimit(kind, offset, length))
         return 0;
     const WidthClass width = widthOf(kind);
-    // Made before the lock is taken, and what was in `output` freed after its release: the
-    // communication loop waits for the copying alone.
+    // Allocated before the lock is taken, and the old contents of `output` freed after its release, so
+    // the communication loop waits only while the value is copied.
     QByteArray value = length > 0 ? QByteArray(outputBytes(width, length), '\0') : QByteArray();
     const QMutexLocker lock(&PLC_driver.storeMutex);
     const AreaImage &image = areaImage(station, getPlcReg(kind));

@@ -1,9 +1,9 @@
-// The host's reads and writes of values.
+// Reads and writes of values by the host.
 #pragma once
 
 #include "driver/records.h"
 
-/// Copies the value of a record in write form into the store; bytes that the value lacks are
-/// written as 0, bytes outside the image's limits not at all. Any thread; takes storeMutex; the
-/// caller may hold listMutex.
+/// Copies the value of a record in write form into the store. Missing value bytes are written as 0;
+/// bytes outside the limits of the image are not written. Any thread; takes storeMutex; the caller
+/// may hold listMutex.
 void WriteDataToLocal(const RW_VAR *record);

@@ -9,7 +9,7 @@
 namespace
 {
 
-// The part of a run, counted from its beginning, that falls into [0, limit).
+// The elements of a run that lie within [0, limit), counted from the start of the run.
 struct Inside {
     qint64 first;
     qint64 last; // exclusive
@@ -78,7 +78,7 @@ void writeBytes(AreaImage &image, qint64 index, qint64 length, const QByteArray 
     if (run.isEmpty())
         return;
     growImage(image, index + run.last);
-    char *const to = image.data() + (index + run.first); // the index alone may be below 0
+    char *const to = image.data() + (index + run.first); // `index` itself may be negative
     std::memset(to, 0, static_cast<size_t>(run.size()));
     const qint64 given = qMin<qint64>(bytes.size(), run.last) - run.first;
     if (given > 0)

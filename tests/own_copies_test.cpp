@@ -1,5 +1,5 @@
-// What the driver keeps beyond a call is its own: a host may use the memory behind its texts and values
-// again, and free it, as soon as the call has returned.
+// What the driver keeps beyond a call is its own: a host may use the memory behind its texts and
+// values again, and free it, as soon as the call has returned.
 #include "tests/driver_under_test.h"
 
 #include <functional>

@@ -16,6 +16,7 @@ TITLES = {
     "queue-1024-writes": "1,024 writes queued",
     "carry-out-1024-writes": "1,024 writes executed",
     "write-bits-in-one-call": "write of bits in one call",
+    "read-once-65536-pieces": "one-shot read of 65,536 registers, maxRegs 1",
 }
 
 
