@@ -29,7 +29,7 @@ void appendSum(QByteArray &frame);
 
 enum ReplyCheck { REPLY_INVALID = 0, REPLY_TO_READ = 1, REPLY_TO_WRITE = 2 };
 
-/// Checks the CRC of the first `length` bytes of a response to the frame at the head of pendingList,
-/// which must not be empty. Also returns whether that frame is a read or a write. Communication
-/// thread.
+/// Checks the CRC of the first `length` bytes of a response to the frame at the head of
+/// pendingList, which must not be empty. The result also says whether that frame is a read or a
+/// write. Communication thread.
 int CheckGetData(const QByteArray *reply, int length);

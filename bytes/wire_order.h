@@ -1,5 +1,5 @@
-// Byte order on the line; no other file depends on it. Numbers travel high byte first. Registers are
-// swapped between the line (high byte first) and the store (low byte first).
+// The byte order of numbers and registers on the line, decided only here. Numbers travel high byte
+// first. Registers are swapped between the line (high byte first) and the store (low byte first).
 #pragma once
 
 #include <QByteArray>

@@ -17,8 +17,8 @@ QMutex logMutex;
 // True until the first message after loading. That message starts a new file.
 bool check = true;
 
-// A message of Qt's own while a line is written would enter the handler again and wait for logMutex
-// for ever. True on the thread that writes, so that such a message is dropped.
+// True on the thread that writes a line. A message from Qt during that time would enter the handler
+// again and wait for logMutex forever, so it is dropped.
 thread_local bool writing = false;
 
 class WritingMark

@@ -3,8 +3,8 @@
 
 #include "driver/records.h"
 
-/// Separate from the write queue because other threads append to that queue while a response is
-/// saved.
+/// Stored separately from the write queue because other threads may append to that queue while a
+/// response is saved.
 struct PendingMerge {
     bool active = false;
     int varKind = 0;

@@ -1,4 +1,4 @@
-// The properties of a variable kind: its width, its register area and the area's offset on the line.
+// The properties of a variable kind: its width, its area and the area's offset on the line.
 #pragma once
 
 enum WidthClass { WIDTH_NONE = -1, WIDTH_BIT = 0, WIDTH_BYTE, WIDTH_WORD, WIDTH_DWORD };

@@ -44,7 +44,8 @@ void callRequestDone(const RW_VAR &request, REQUEST_STATUS status)
                                  status);
 }
 
-// Does not report "done" if a later entry of the same owner is queued: that entry will report it.
+// Reports the result of the head, but not "done" if a later entry of the same owner is queued: that
+// entry will report it.
 void reportHead(const QList<RW_VAR> &list)
 {
     if (PLC_driver.commFailed != 0)
@@ -169,7 +170,7 @@ void handleReply(const QByteArray &reply, int length)
     const QMutexLocker lock(&PLC_driver.listMutex);
     const int verdict = velko_result_is_good(result) ? afterGoodExchange(result, local)
                                                      : afterFailedExchange(result, local);
-    PLC_driver.retVar.retCode = verdict; // last, because the request's own retCode has been copied
+    PLC_driver.retVar.retCode = verdict; // last: passRetValue overwrites it
 }
 
 } // namespace

@@ -11,8 +11,8 @@
 namespace
 {
 
-// Maximum consecutive turns of the write queue, and of the one-shot queue, before the cyclic list has
-// its turn.
+// Maximum number of turns of the write queue, and of the one-shot queue, between two turns of the
+// cyclic list.
 const int BURST_LIMIT = 5;
 
 typedef void (*FrameBuilder)(RW_VAR *record);

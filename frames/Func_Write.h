@@ -8,7 +8,7 @@
 /// Queues nothing.
 Protocol WriteBool(const RW_VAR &record);
 
-/// Queues the one or two frames of a record in write form, or none if no Modbus request can write its
-/// kind or its length. Copies the value into the store unless the last exchange failed.
+/// Queues the one or two frames of a record in write form, or none if no Modbus request can write
+/// its kind or its length. Copies the value into the store unless the last exchange failed.
 /// Communication thread, listMutex held; takes storeMutex.
 void WriteRegister(RW_VAR *record);

@@ -8,7 +8,7 @@
 Protocol requestOf(QByteArray &&frame, const RW_VAR &record, int replyLen, int dataOffset = 0,
                    int dataLen = 0);
 
-// Both append the frames to pendingList, which must be empty, and set frameTotal and frameDone in the
-// host's ComInfo. Communication thread, listMutex held.
+// Both append the frames to pendingList, which must be empty, and set frameTotal and frameDone in
+// the host's ComInfo. Communication thread, listMutex held.
 void queueRequest(const Protocol &only);
 void queueRequest(const Protocol &first, const Protocol &second);

@@ -56,7 +56,8 @@ qint64 endOf(const RW_VAR &record)
     return static_cast<qint64>(record.addr) + record.count;
 }
 
-// Gap registers are read only if the next record starts at most maxRegs registers after this one.
+// Gap registers are read only if the next record starts at most maxRegs registers after the start
+// of this one.
 bool isApart(const RW_VAR &current, const RW_VAR &next, int maxRegs)
 {
     return endOf(current) < next.addr && next.addr > static_cast<qint64>(current.addr) + maxRegs;
@@ -161,8 +162,8 @@ int ReCreatReadVarList(const QList<VAR_ITEM> *items)
     ComInfo *const info = PLC_driver.comInfo;
     if (!info)
         return 0;
-    // The items are sorted before the lock is taken, and the old list is freed after its release, so
-    // the communication loop does not wait for either.
+    // The items are sorted before the lock is taken, and the old list is freed after the lock is
+    // released, so the communication loop does not wait for either.
     const int maxRegs = info->maxRegs;
     RequestGroups groups = items ? groupItems(*items, *info) : RequestGroups();
     QList<RW_VAR> old;

@@ -12,6 +12,6 @@ void Bubble_Sort(QList<RW_VAR> *records);
 /// Merges one sorted group of one station and area into requests and appends them to readList.
 void BitVarReCreat(QList<RW_VAR> *group, int maxRegs);
 
-/// Appends the record to readList in pieces of exactly maxRegs registers. If `keepRest` is true, the
-/// remaining registers are appended as well. On return the record describes the remaining registers.
+/// Appends the record to readList in pieces of exactly maxRegs registers. If `keepRest` is true,
+/// the remaining registers follow as a shorter piece. On return the record describes what remains.
 void addressAdd(RW_VAR &record, int maxRegs, bool keepRest);

@@ -7,16 +7,16 @@
 struct RegisterRange {
     int areaCode;
     int firstRegister;
-    int count; ///< registers; 0 or less if the length is less than 1
+    int count; ///< registers; may be 0 or less if the length is
 };
 
-/// Returns the linear offset of an address text: in bits for the bit kinds, in bytes for the others.
-/// Any negative result marks an invalid address.
+/// Returns the linear offset of an address text, in bits for the bit kinds and in bytes for the
+/// others. Any negative result marks an invalid address.
 int StringAddressToInt(int kind, const QString &text);
 
 /// Returns all registers that hold a part of a variable. `kind` is 0 to 11, `offset` is linear and
 /// not negative, `length` is any number of the kind's units.
 RegisterRange ToRegisterRange(int kind, int offset, int length);
 
-/// Returns true if the variable covers more registers than one call may (LIMIT_REGISTERS).
+/// Returns true if the variable covers more than LIMIT_REGISTERS registers.
 bool passesRegisterLimit(int kind, int offset, int length);

@@ -35,8 +35,8 @@ int decimalNumber(const QString &text)
 #if QT_VERSION < 0x050000
     return text.toInt();
 #else
-    // Since Qt 5, toInt() uses the "C" locale only. It comes first because it is faster and because no
-    // locale reads such numbers differently.
+    // Since Qt 5, toInt() uses the "C" locale only. It comes first because it is faster and because
+    // no locale reads such numbers differently.
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
     if (isNumber)

@@ -3,6 +3,6 @@
 
 #include "driver/records.h"
 
-/// Does what AddListWriteVar does, without its deep copy: the record must share no byte with the
-/// host. So the pieces of one write share one copy of their texts. Any thread; takes listMutex.
+/// Queues a write as AddListWriteVar does, but without a deep copy, so that the pieces of one write
+/// share their texts. The record must share no byte with the host. Any thread; takes listMutex.
 int queueOwnWrite(const RW_VAR &own, int mode);

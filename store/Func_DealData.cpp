@@ -26,7 +26,8 @@ void SpecialRegisterSave(const QByteArray *reply)
     if (!merge.active || PLC_driver.pendingList.size() < 2
         || reply->size() < READ_REPLY_HEADER_BYTES + REGISTER_BYTES)
         return;
-    QByteArray frame = PLC_driver.pendingList.at(1).frame.left(WRITE_HEADER_BYTES);
+    QByteArray frame =
+        PLC_driver.pendingList.at(1).frame.leftJustified(WRITE_HEADER_BYTES, '\0', true);
     putWord(frame, mergedRegister(wordAt(*reply, READ_REPLY_HEADER_BYTES), merge));
     appendCRC(frame);
     PLC_driver.pendingList[1].frame = frame;

@@ -161,8 +161,8 @@ int GetRegisterData(int, int kind, const QString &addrText, int station, QByteAr
     if (!output || offset < 0 || passesRegisterLimit(kind, offset, length))
         return 0;
     const WidthClass width = widthOf(kind);
-    // Allocated before the lock is taken, and the old contents of `output` freed after its release, so
-    // the communication loop waits only while the value is copied.
+    // Allocated before the lock is taken, and the old contents of `output` are freed after the lock
+    // is released, so the communication loop waits only while the value is copied.
     QByteArray value = length > 0 ? QByteArray(outputBytes(width, length), '\0') : QByteArray();
     const QMutexLocker lock(&PLC_driver.storeMutex);
     const AreaImage &image = areaImage(station, getPlcReg(kind));

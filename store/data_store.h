@@ -11,8 +11,8 @@ AreaImage &areaImage(int station, int areaCode);
 /// Returns the byte at an index, or 0 if the image does not hold it.
 unsigned char readByte(const AreaImage &image, qint64 index);
 
-/// Copies `length` bytes of the image, from `index` on, to `to`. Where the image holds no byte, `to`
-/// keeps its own.
+/// Copies `length` bytes of the image, from `index` on, to `to`. Where the image holds no byte,
+/// `to` is not changed.
 void readBytes(const AreaImage &image, qint64 index, int length, char *to);
 
 /// Writes `registers` registers in wire order, from register `first` on. The image grows to hold
@@ -22,6 +22,6 @@ void writeRegisters(AreaImage &image, qint64 first, const char *wire, int regist
 /// The same for `length` bytes from `index` on. Bytes that are missing in `bytes` are written as 0.
 void writeBytes(AreaImage &image, qint64 index, qint64 length, const QByteArray &bytes);
 
-/// The same for `length` bits. Sets bit i of them if byte i of `bytes` is not 0, otherwise clears it.
+/// The same for `length` bits. Sets bit i of them if byte i of `bytes` is not 0, else clears it.
 /// `bit` counts from the lowest bit of the image's first byte. All other bits keep their values.
 void writeBits(AreaImage &image, qint64 bit, qint64 length, const QByteArray &bytes);
