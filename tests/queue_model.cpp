@@ -46,14 +46,22 @@ const RW_VAR *QueueModel::due(const std::set<int> &disabled)
     });
     if (first == entries.end())
         return nullptr;
-    std::rotate(entries.begin(), first, entries.end());
+    for (auto moves = first - entries.begin(); moves > 0; --moves)
+        moveHeadToEnd();
     return &entries.front();
+}
+
+// std::rotate would move every entry of a long list in each turn.
+void QueueModel::moveHeadToEnd()
+{
+    entries.push_back(entries.front());
+    entries.pop_front();
 }
 
 std::string QueueModel::rotate(bool good)
 {
     if (!entries.empty())
-        std::rotate(entries.begin(), entries.begin() + 1, entries.end());
+        moveHeadToEnd();
     return good ? "none" : "fail 0 1";
 }
 

@@ -22,4 +22,7 @@ struct QueueModel {
     std::string rotate(bool good);                   ///< for the cyclic list
 
     std::deque<RW_VAR> entries;
+
+private:
+    void moveHeadToEnd();
 };
