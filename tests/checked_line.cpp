@@ -155,7 +155,7 @@ QByteArray CheckedLine::carry(const Protocol &sent, LineFault fault, int bit)
         return QByteArray();
     if (fault == EXCEPTION_REPLY)
         return SlaveMemory::exception(sent.frame);
-    QByteArray reply = m_slaves.answer(sent.frame);
+    QByteArray reply = m_slaves.responseTo(sent.frame);
     if (sent.var.rwFlag == REQUEST_WRITE)
         m_expected.write(m_request);
     EXPECT_EQ(reply.size(), sent.replyLen);

@@ -37,14 +37,14 @@ QByteArray frame(const char *hex)
 
 // Input register 12 of station 1 holds 0x9688.
 const char *const READ_12 = "01 04 00 0C 00 01";
-const char *const ANSWER_12 = "01 04 02 96 88 D6 F6";
+const char *const RESPONSE_12 = "01 04 02 96 88 D6 F6";
 
 struct LineUnderTest {
     explicit LineUnderTest(const SimulatedLineSettings &plcSettings = {}) : plc(plcSettings)
     {
         settings.devices = {plc.device().toStdString()};
         settings.baudRate = 115200;
-        settings.replyTimeout = 50;
+        settings.responseTimeout = 50;
     }
 
     Exchange exchange(const char *hex, int replyLength)
@@ -88,9 +88,9 @@ TEST(Line, KeepsSilentIntervalBeforeEachRequest)
         plcSettings.baudRate = row.baudRate;
         LineUnderTest test(plcSettings);
         test.settings.baudRate = row.baudRate;
-        test.settings.silenceFloor = row.floor;
+        test.settings.minFrameGap = row.floor;
         for (int i = 0; i < 6; ++i)
-            ASSERT_EQ(test.read12(), ANSWER_12);
+            ASSERT_EQ(test.read12(), RESPONSE_12);
         const std::vector<SeenRequest> seen = test.plc.requests();
         ASSERT_EQ(seen.size(), 6U);
         std::vector<Clock::duration> silences;
@@ -105,10 +105,10 @@ TEST(Line, KeepsSilentIntervalBeforeEachRequest)
 TEST(Line, ExchangeEndsWithLastByteOfReply)
 {
     LineUnderTest test;
-    test.settings.replyTimeout = test.settings.byteTimeout = 5000;
+    test.settings.responseTimeout = test.settings.interCharacterTimeout = 5000;
     const Clock::time_point start = Clock::now();
     for (int i = 0; i < 20; ++i)
-        EXPECT_EQ(test.read12(), ANSWER_12);
+        EXPECT_EQ(test.read12(), RESPONSE_12);
     EXPECT_EQ(hexText(test.exchange("01 03 FF 00 00 01", 7).reply), "01 83 02 C0 F1");
     EXPECT_EQ(hexText(test.exchange("01 41 00 00 00 01", 7).reply), "01 C1 01 B0 50");
     EXPECT_LT(millisecondsSince(start), milliseconds(2000));
@@ -118,22 +118,22 @@ TEST(Line, Timeouts)
 {
     const struct {
         const char *fault;
-        int byteTimeout;
-        const char *answer;
+        int interCharacterTimeout;
+        const char *response;
     } rows[] = {
-        {"1:stutter=32", 100, ANSWER_12},
+        {"1:stutter=32", 100, RESPONSE_12},
         {"1:stutter=60", 5, "01 04 02 (cut)"},
         {"1:cut=6", 50, "01 04 02 96 88 D6 (cut)"},
         {"1:silent", 50, " (nothing)"},
-        {"1:late=20", 50, ANSWER_12},
+        {"1:late=20", 50, RESPONSE_12},
         {"1:late=400", 50, " (nothing)"},
     };
     for (const auto &row : rows) {
         LineUnderTest test;
-        test.settings.byteTimeout = row.byteTimeout;
-        test.settings.replyTimeout = 150;
+        test.settings.interCharacterTimeout = row.interCharacterTimeout;
+        test.settings.responseTimeout = 150;
         test.plc.setFault(1, parseFault(row.fault).fault);
-        EXPECT_EQ(test.read12(), row.answer) << row.fault;
+        EXPECT_EQ(test.read12(), row.response) << row.fault;
     }
     // A reply may take longer than the response timeout; only its first byte must arrive in time.
     SimulatedLineSettings slow;
@@ -150,9 +150,9 @@ TEST(Line, BytesOutsideTheReplyAreDropped)
 {
     for (const char *fault : {"1:junk=3", "1:junk=40", "1:foreign"}) {
         LineUnderTest test;
-        test.settings.replyTimeout = 30; // shorter than the inter-character timeout
+        test.settings.responseTimeout = 30; // shorter than the inter-character timeout
         test.plc.setFault(1, parseFault(fault).fault);
-        EXPECT_EQ(test.read12(), ANSWER_12) << fault;
+        EXPECT_EQ(test.read12(), RESPONSE_12) << fault;
     }
 }
 
@@ -178,8 +178,8 @@ TEST(Line, EndsExchangeIfLineNeverFallsSilent)
     LineSettings settings;
     settings.devices = {::ttyname(slave)};
     settings.baudRate = 115200;
-    settings.replyTimeout = 100;
-    settings.byteTimeout = 20;
+    settings.responseTimeout = 100;
+    settings.interCharacterTimeout = 20;
     const LineTaps taps;
     SerialLine line(settings, taps);
     std::atomic<bool> stop{false};
@@ -199,24 +199,24 @@ TEST(Line, EndsExchangeIfLineNeverFallsSilent)
     ::close(master);
 }
 
-TEST(Line, AnswerFilter)
+TEST(Line, ResponseFilter)
 {
     // The late response to a write of register 0 arrives before the response for register 1.
-    AnswerFilter ofWrite(frame("01 10 00 01 00 01 02 00 07"), 8);
+    ResponseFilter ofWrite(frame("01 10 00 01 00 01 02 00 07"), 8);
     ofWrite.add(frame("01 10 00 00 00 01"));
     EXPECT_FALSE(ofWrite.hasBegun());
     ofWrite.add(frame("01 10 00 01 00 01") + QByteArray("x"));
-    EXPECT_EQ(ofWrite.answer(), frame("01 10 00 01 00 01"));
+    EXPECT_EQ(ofWrite.response(), frame("01 10 00 01 00 01"));
     EXPECT_EQ(ofWrite.takeRest(), "x");
-    for (const QStringList &row : rowsOf("answers.table")) {
-        AnswerFilter filter(frame("01 03 00 00 00 01"), 7);
+    for (const QStringList &row : rowsOf("responses.table")) {
+        ResponseFilter filter(frame("01 03 00 00 00 01"), 7);
         for (const QString &part : row.at(0).split('/')) {
             filter.gap();
             // Single bytes are the most difficult case.
             for (const char byte : QByteArray::fromHex(part.toLatin1()))
                 filter.add(QByteArray(1, byte));
         }
-        const QStringList seen = {row.at(0), QString::fromStdString(hexText(filter.answer())),
+        const QStringList seen = {row.at(0), QString::fromStdString(hexText(filter.response())),
                                   QString::fromStdString(hexText(filter.takeDropped())),
                                   filter.isComplete() ? "complete" : "waits"};
         EXPECT_EQ(seen, row) << qPrintable(seen.join(" | "));
@@ -229,12 +229,12 @@ namespace
 /// Records when each request was sent, by the host's clock, or slightly earlier.
 struct Stamps : LineTap {
     void sent(const std::string &, const QByteArray &) override { times.push_back(Clock::now()); }
-    void received(const std::string &, const QByteArray &) override { answer = Clock::now(); }
+    void received(const std::string &, const QByteArray &) override { response = Clock::now(); }
     void dropped(const std::string &, const QByteArray &) override {}
     void judged(const std::string &, const std::string &) override {}
 
     std::vector<Clock::time_point> times;
-    Clock::time_point answer; // the latest
+    Clock::time_point response; // the latest
 };
 
 /// Reads two registers in turn. Many replies come after the response timeout, by up to 95 % of the
@@ -243,7 +243,7 @@ int wrongValues(int guard, size_t exchanges)
 {
     const int timeout = 20;
     LineUnderTest test;
-    test.settings.replyTimeout = timeout;
+    test.settings.responseTimeout = timeout;
     test.settings.guardTime = guard;
     const auto driver = loadDriverCopy(DRIVER_LIBRARY);
     ComInfo info;
@@ -285,7 +285,7 @@ int wrongValues(int guard, size_t exchanges)
         const SeenRequest late = test.plc.requests().at(i - 1);
         const bool isPunctual =
             late.end - stamps.times.at(i - 1) <= milliseconds(timeout) + microseconds(950 * timeout)
-            && stamps.answer - late.end <= milliseconds(2);
+            && stamps.response - late.end <= milliseconds(2);
         isDisturbed = isDisturbed || !isPunctual;
         wrong += !isDisturbed;
     }
@@ -310,7 +310,7 @@ int wrongValuesInAll(int guard, size_t exchanges)
 
 } // namespace
 
-TEST(Line, LateAnswersNeverReachTheStore)
+TEST(Line, LateResponsesNeverReachTheStore)
 {
     EXPECT_EQ(wrongValuesInAll(20, 2000), 0);
     EXPECT_GT(wrongValuesInAll(0, 2000), 0); // without guard time it happens, so the test can fail
@@ -322,11 +322,11 @@ TEST(Line, Echo)
     echoing.echo = true;
     LineUnderTest test(echoing);
     test.settings.echo = true;
-    EXPECT_EQ(test.read12(), ANSWER_12);
+    EXPECT_EQ(test.read12(), RESPONSE_12);
     test.plc.collide(true);
     EXPECT_EQ(test.read12(), " (collision)");
     test.plc.collide(false);
-    EXPECT_EQ(test.read12(), ANSWER_12);
+    EXPECT_EQ(test.read12(), RESPONSE_12);
 
     LineUnderTest without;
     without.settings.echo = true;

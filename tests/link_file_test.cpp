@@ -62,7 +62,7 @@ TEST(LinkFile, Content)
     const Link &link = links.front();
     EXPECT_EQ(link.line.devices.size(), 2U);
     EXPECT_EQ(link.line.parity, 'E');
-    EXPECT_EQ(link.line.replyTimeout, 150);
+    EXPECT_EQ(link.line.responseTimeout, 150);
     EXPECT_EQ(link.stations(), (std::vector<int>{1, 2, 3}));
     EXPECT_EQ(link.variables.size(), 9U);
     EXPECT_EQ(link.variables.back().kind, KIND_HOLDING_DWORD);

@@ -67,10 +67,10 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
 
     QString events(Event::Kind kind)
     {
-        QString told = text(taken(kind));
+        QString shown = text(taken(kind));
         for (const auto &abbreviation : m_abbreviations)
-            told.replace(abbreviation.first, abbreviation.second);
-        return told.isEmpty() ? "none" : told;
+            shown.replace(abbreviation.first, abbreviation.second);
+        return shown.isEmpty() ? "none" : shown;
     }
 
     QString countersOf(int station) const
@@ -116,7 +116,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
 
     // clang-format off
     const std::map<QString, int *> m_numbers = {
-        {"maxRegs", &link.maxRegs}, {"retries", &link.retries}, {"offerAgain", &link.offerAgain},
+        {"maxRegs", &link.maxRegs}, {"retries", &link.retries}, {"offerAgain", &link.queueAgain},
         {"staleAfter", &link.staleAfter}};
 
     const std::map<QString, Action> m_actions = {

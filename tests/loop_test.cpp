@@ -74,7 +74,7 @@ TEST_F(LoopTest, EveryKindReadAndWritten)
 TEST_F(LoopTest, AnExceptionCostsNoTimeOut)
 {
     add("beyond", "6:1000");
-    link.line.replyTimeout = link.line.byteTimeout = 5000;
+    link.line.responseTimeout = link.line.interCharacterTimeout = 5000;
     start();
     const Clock::time_point begin = Clock::now();
     for (int i = 0; i < 10; ++i)
@@ -163,7 +163,7 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
 
     LinkRunner runner(*loop);
     runner.start();
-    for (const bool isAwaited : {true, false}) { // an answer, at the moment
+    for (const bool isAwaited : {true, false}) { // a response, at the moment
         SCOPED_TRACE(isAwaited);
         fault(isAwaited ? "2:silent" : "2:none");
         runner.post([this](CommunicationLoop &) { write("word", "5") && write("more", "5"); });
@@ -187,13 +187,14 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
         EXPECT_EQ(plc->holdingRegisters(2).at(100), 45266); // nothing is carried out later
         EXPECT_EQ(plc->holdingRegisters(2).at(110), 54000);
         const std::string events = taken(Event::PORT);
-        EXPECT_NE(events.find(" disconnected\n" + missing + "\n" + plc->device().toStdString() + " open\n"),
+        EXPECT_NE(events.find(" disconnected\n" + missing + "\n" + plc->device().toStdString()
+                              + " open\n"),
                   std::string::npos)
             << events;
     }
 }
 
-TEST_F(LoopTest, APortThatIsNotThereAtTheStartIsTold)
+TEST_F(LoopTest, AMissingPortAtTheStartIsReported)
 {
     add("value", "6:12");
     start();

@@ -27,7 +27,7 @@ public:
         link.name = "line";
         link.line.devices = {plc->device().toStdString()};
         link.line.baudRate = 115200;
-        link.line.replyTimeout = 30;
+        link.line.responseTimeout = 30;
         link.retries = 1;
     }
 

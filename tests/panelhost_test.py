@@ -52,7 +52,7 @@ class Simulator:
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self.device = self.process.stdout.readline().split()[1]
 
-    def tell(self, fault):
+    def set_fault(self, fault):
         self.process.stdin.write(fault + "\n")
         self.process.stdin.flush()
 
@@ -218,10 +218,10 @@ class PanelhostTest(unittest.TestCase):
             path = self.file(self.link(plc.device, word.format("a", 0)))
             with Poll(path) as poll:
                 poll.wait(event="value", name="a", value=23205, state="good")
-                plc.tell("1:silent")
+                plc.set_fault("1:silent")
                 poll.write("a=5")
                 time.sleep(0.05)
-                plc.tell("1:none")
+                plc.set_fault("1:none")
                 self.file(self.link(plc.device, word.format("b", 100), word.format("c", 0)))
                 poll.process.send_signal(signal.SIGHUP)
                 poll.wait(event="note", text="the file was read again")

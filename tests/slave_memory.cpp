@@ -61,12 +61,12 @@ void SlaveMemory::write(const RW_VAR &record)
 
 QByteArray SlaveMemory::exception(const QByteArray &frame)
 {
-    QByteArray answer = frame.left(2);
-    answer[1] = static_cast<char>(byteAt(frame, 1) | 0x80);
-    return sealed(answer.append('\x02'));
+    QByteArray response = frame.left(2);
+    response[1] = static_cast<char>(byteAt(frame, 1) | 0x80);
+    return sealed(response.append('\x02'));
 }
 
-QByteArray SlaveMemory::answer(const QByteArray &frame)
+QByteArray SlaveMemory::responseTo(const QByteArray &frame)
 {
     EXPECT_TRUE(endsInItsCrc(frame)) << "a slave would ignore this frame";
     const int station = byteAt(frame, 0);
@@ -80,10 +80,10 @@ QByteArray SlaveMemory::answer(const QByteArray &frame)
         m_written[{station, first + i}] = wordAt(frame, 7 + 2 * i);
     if (isWrite)
         return sealed(frame.left(6));
-    QByteArray answer = frame.left(2).append(static_cast<char>(2 * count));
+    QByteArray response = frame.left(2).append(static_cast<char>(2 * count));
     for (int i = 0; i < count; ++i) {
         const int value = onLine(function == 4, station, first + i);
-        answer.append(static_cast<char>(value >> 8)).append(static_cast<char>(value));
+        response.append(static_cast<char>(value >> 8)).append(static_cast<char>(value));
     }
-    return sealed(answer);
+    return sealed(response);
 }

@@ -20,7 +20,7 @@ public:
 
     /// Executes a request frame and returns the response, an exception response if it is not
     /// possible.
-    QByteArray answer(const QByteArray &frame);
+    QByteArray responseTo(const QByteArray &frame);
 
     static QByteArray exception(const QByteArray &frame);
 

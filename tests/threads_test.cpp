@@ -82,7 +82,7 @@ protected:
         const Protocol *const request = driver.ComCommunication();
         if (!request)
             return false;
-        const QByteArray reply = slaves.answer(request->frame);
+        const QByteArray reply = slaves.responseTo(request->frame);
         EXPECT_EQ(driver.DataCom(&reply, reply.size())->retCode, RESULT_GOOD);
         return true;
     }

@@ -38,11 +38,12 @@ LineOptions::LineOptions(CLI::App &options)
         ->type_name("SECONDS")
         ->check(secondsFrom(0, LONGEST_TIME));
     options
-        .add_option("--byte-timeout", line.byteTimeout, "inter-character timeout in milliseconds")
+        .add_option("--byte-timeout", line.interCharacterTimeout,
+                    "inter-character timeout in milliseconds")
         ->check(numberFrom(1, LONGEST_TIME))
         ->capture_default_str();
     options
-        .add_option("--silence", line.silenceFloor,
+        .add_option("--silence", line.minFrameGap,
                     "shortest frame gap in microseconds; at least 3.5 characters are always kept")
         ->check(numberFrom(0, 1000 * LONGEST_SILENCE))
         ->capture_default_str();
@@ -72,7 +73,7 @@ Link LineOptions::link() const
     link.name = "line";
     link.line.devices = {m_device};
     link.line.parity = static_cast<char>(std::toupper(static_cast<unsigned char>(m_parity[0])));
-    link.line.replyTimeout = millisecondsIn(m_timeout);
+    link.line.responseTimeout = millisecondsIn(m_timeout);
     if (!m_guard.empty())
         link.line.guardTime = millisecondsIn(m_guard);
     if (m_isRtsOnSend)

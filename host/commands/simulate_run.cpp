@@ -38,7 +38,7 @@ void SimulateRun::run(Console &console)
         if (input.isEnd || input.isReload)
             return;
         for (const std::string &line : input.lines)
-            obey(line);
+            enterFault(line);
     }
 }
 
@@ -65,7 +65,7 @@ void SimulateRun::setDueFaults()
     }
 }
 
-void SimulateRun::obey(const std::string &line)
+void SimulateRun::enterFault(const std::string &line)
 {
     try {
         const StationFault fault = faultFor(m_stations, line);

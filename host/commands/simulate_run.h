@@ -31,7 +31,7 @@ private:
     Milliseconds waitTime() const;
     bool isOver() const { return m_end && elapsed() >= *m_end; }
     void setDueFaults();
-    void obey(const std::string &line);
+    void enterFault(const std::string &line);
 
     SimulatedPlc &m_plc;
     const std::vector<int> m_stations;

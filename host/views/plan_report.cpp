@@ -39,7 +39,7 @@ std::vector<std::string> planReport(const Link &link, const std::vector<PlannedR
                    std::to_string(cost.asked), std::to_string(cost.wanted),
                    std::to_string(cost.asked - cost.wanted), std::to_string(cost.bytes),
                    thousandths(cost.wireTime.count())});
-        total += cost.wireTime + 2 * silenceTime(link.line);
+        total += cost.wireTime + 2 * frameGap(link.line);
         for (const Gap &gap : cost.gaps)
             if (isWorthSplitting(gap, link.line))
                 hints.push_back(hint(request, gap, link));

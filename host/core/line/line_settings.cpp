@@ -11,8 +11,8 @@ namespace
 auto fieldsOf(const LineSettings &settings)
 {
     return std::tie(settings.devices, settings.baudRate, settings.parity, settings.stopBits,
-                    settings.replyTimeout, settings.byteTimeout, settings.guardTime,
-                    settings.silenceFloor, settings.rs485, settings.echo);
+                    settings.responseTimeout, settings.interCharacterTimeout, settings.guardTime,
+                    settings.minFrameGap, settings.rs485, settings.echo);
 }
 
 } // namespace

@@ -14,13 +14,14 @@ enum class Rs485 { OFF, RTS_ON_SEND, RTS_AFTER_SEND };
 struct LineSettings {
     std::vector<std::string> devices; ///< names or patterns; the first one that exists is opened
     int baudRate = 19200;
-    char parity = 'E';      ///< N, E or O
-    int stopBits = 1;       ///< 1 or 2
-    int replyTimeout = 500; ///< response timeout in milliseconds
-    int byteTimeout = 50;   ///< inter-character timeout in ms; USB adapters deliver every 16 ms
-    std::optional<int> guardTime; ///< milliseconds; default: replyTimeout
+    char parity = 'E';         ///< N, E or O
+    int stopBits = 1;          ///< 1 or 2
+    int responseTimeout = 500; ///< response timeout in milliseconds
+    int interCharacterTimeout =
+        50; ///< inter-character timeout in ms; USB adapters deliver every 16 ms
+    std::optional<int> guardTime; ///< milliseconds; default: responseTimeout
     /// Shortest frame gap in microseconds; has no effect below 3.5 characters.
-    int silenceFloor = 0;
+    int minFrameGap = 0;
     Rs485 rs485 = Rs485::OFF;
     bool echo = false; ///< the adapter returns each request
 

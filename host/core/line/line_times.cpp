@@ -11,17 +11,17 @@ microseconds wireTime(const LineSettings &settings, int characters)
     return microseconds(1000000LL * bits * characters / settings.baudRate);
 }
 
-microseconds silenceTime(const LineSettings &settings)
+microseconds frameGap(const LineSettings &settings)
 {
     const long long characters =
         settings.baudRate > 19200 ? 1750 : (38500000LL + settings.baudRate - 1) / settings.baudRate;
-    return microseconds(std::max<long long>(characters, settings.silenceFloor));
+    return microseconds(std::max<long long>(characters, settings.minFrameGap));
 }
 
-int byteTimeout(const LineSettings &settings)
+int interCharacterTimeout(const LineSettings &settings)
 {
     const auto twoCharacters = std::chrono::ceil<milliseconds>(wireTime(settings, 2)).count();
-    return std::max(settings.byteTimeout, static_cast<int>(twoCharacters));
+    return std::max(settings.interCharacterTimeout, static_cast<int>(twoCharacters));
 }
 
 int millisecondsUntil(Clock::time_point moment)

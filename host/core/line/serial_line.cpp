@@ -28,29 +28,29 @@ SerialLine::SerialLine(const LineSettings &settings, const LineTaps &taps,
 
 Exchange SerialLine::exchange(const QByteArray &frame, int replyLength)
 {
-    settle();
+    awaitFrameGap();
     send(frame);
-    m_wasHeard = false;
-    AnswerFilter filter(frame, replyLength);
+    m_hasReceived = false;
+    ResponseFilter filter(frame, replyLength);
     Exchange exchange;
     if (m_settings.echo)
         exchange.outcome = takeEcho(frame, filter);
-    if (exchange.outcome == Exchange::NOTHING)
+    if (exchange.outcome == Exchange::NO_RESPONSE)
         exchange = receive(filter);
     m_taps.dropped(filter.takeDropped());
     m_taps.received(exchange.reply);
     m_taps.dropped(filter.takeRest());
-    exchange.isQuiet = !m_wasHeard;
-    if (exchange.outcome != Exchange::ANSWERED)
-        rest();
+    exchange.isQuiet = !m_hasReceived;
+    if (exchange.outcome != Exchange::COMPLETE)
+        keepGuardTime();
     return exchange;
 }
 
 // Drops the bytes received since the last exchange; the frame gap begins after them.
-void SerialLine::settle()
+void SerialLine::awaitFrameGap()
 {
     for (int i = 0; i < MAX_DISCARDS; ++i) {
-        std::this_thread::sleep_until(m_lastByte + silenceTime(m_settings));
+        std::this_thread::sleep_until(m_lastByte + frameGap(m_settings));
         const QByteArray late = read(0);
         if (late.isEmpty())
             return;
@@ -66,9 +66,9 @@ void SerialLine::send(const QByteArray &frame)
     m_lastByte = Clock::now() + wireTime(m_settings, frame.size());
 }
 
-Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, AnswerFilter &filter)
+Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, ResponseFilter &filter)
 {
-    const Clock::time_point deadline = m_lastByte + milliseconds(m_settings.replyTimeout);
+    const Clock::time_point deadline = m_lastByte + milliseconds(m_settings.responseTimeout);
     QByteArray echo;
     while (echo.size() < frame.size() && frame.startsWith(echo)) {
         const int left = millisecondsUntil(deadline);
@@ -83,33 +83,33 @@ Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, AnswerFilter &fi
         m_taps.dropped(echo);
         return Exchange::COLLISION;
     }
-    m_wasHeard = echo.size() > frame.size();
+    m_hasReceived = echo.size() > frame.size();
     filter.add(echo.mid(frame.size()));
-    return Exchange::NOTHING;
+    return Exchange::NO_RESPONSE;
 }
 
-Exchange SerialLine::receive(AnswerFilter &filter)
+Exchange SerialLine::receive(ResponseFilter &filter)
 {
     const Clock::time_point sent = m_lastByte;
-    const Clock::time_point deadline = sent + milliseconds(m_settings.replyTimeout);
-    await(filter, deadline);
+    const Clock::time_point deadline = sent + milliseconds(m_settings.responseTimeout);
+    awaitResponse(filter, deadline);
     Exchange exchange;
     if (!filter.hasBegun())
         return exchange;
     const auto delay = std::chrono::duration_cast<microseconds>(Clock::now() - sent);
     exchange.responseTime = std::max(delay, microseconds(0));
-    collect(filter, deadline);
-    exchange.reply = filter.answer();
-    exchange.outcome = exchange.reply.isEmpty() ? Exchange::NOTHING
-                       : filter.isComplete()    ? Exchange::ANSWERED
-                                                : Exchange::CUT;
+    collectRest(filter, deadline);
+    exchange.reply = filter.response();
+    exchange.outcome = exchange.reply.isEmpty() ? Exchange::NO_RESPONSE
+                       : filter.isComplete()    ? Exchange::COMPLETE
+                                                : Exchange::TRUNCATED;
     return exchange;
 }
 
 // Waits for the first byte of the response.
-void SerialLine::await(AnswerFilter &filter, Clock::time_point deadline)
+void SerialLine::awaitResponse(ResponseFilter &filter, Clock::time_point deadline)
 {
-    const int pause = byteTimeout(m_settings);
+    const int pause = interCharacterTimeout(m_settings);
     Clock::time_point lastByte = Clock::now();
     while (!filter.hasBegun()) {
         const int left = millisecondsUntil(deadline);
@@ -128,9 +128,9 @@ void SerialLine::await(AnswerFilter &filter, Clock::time_point deadline)
 }
 
 // Receives the rest of the response. The time is limited, for a line that is never silent.
-void SerialLine::collect(AnswerFilter &filter, Clock::time_point deadline)
+void SerialLine::collectRest(ResponseFilter &filter, Clock::time_point deadline)
 {
-    const int pause = byteTimeout(m_settings);
+    const int pause = interCharacterTimeout(m_settings);
     const Clock::time_point end =
         Clock::now() + wireTime(m_settings, LONGEST_FRAME) + MAX_BATCHES * milliseconds(pause);
     while (!filter.isComplete() && Clock::now() < end) {
@@ -139,14 +139,14 @@ void SerialLine::collect(AnswerFilter &filter, Clock::time_point deadline)
             return;
         filter.add(bytes);
         if (!filter.hasBegun()) // it was a late response to another request
-            await(filter, deadline);
+            awaitResponse(filter, deadline);
     }
 }
 
 // A response after the timeout would be taken for the response to the next request.
-void SerialLine::rest()
+void SerialLine::keepGuardTime()
 {
-    const milliseconds guard(m_settings.guardTime.value_or(m_settings.replyTimeout));
+    const milliseconds guard(m_settings.guardTime.value_or(m_settings.responseTimeout));
     const Clock::time_point end = Clock::now() + guard;
     for (int left = millisecondsUntil(end); left > 0; left = millisecondsUntil(end))
         m_taps.dropped(read(left));
@@ -158,7 +158,7 @@ QByteArray SerialLine::read(int timeout)
     if (bytes.isEmpty())
         return bytes;
     m_lastByte = std::max(m_lastByte, Clock::now());
-    m_wasHeard = true;
+    m_hasReceived = true;
     return bytes;
 }
 

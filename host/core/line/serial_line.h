@@ -1,8 +1,8 @@
 // The serial line: one request and its response at a time, with the frame gaps between them.
 #pragma once
 
-#include "host/core/line/answer_filter.h"
 #include "host/core/line/line_tap.h"
+#include "host/core/line/response_filter.h"
 #include "host/core/line/serial_port.h"
 
 namespace velko
@@ -10,14 +10,14 @@ namespace velko
 
 struct Exchange {
     enum Outcome {
-        ANSWERED, ///< a complete response or exception response
-        CUT,      ///< a truncated response
-        NOTHING,
+        COMPLETE,  ///< a complete response or exception response
+        TRUNCATED, ///< a truncated response
+        NO_RESPONSE,
         COLLISION, ///< the echo differs from the request: another device sent at the same time
         NO_ECHO
     };
 
-    Outcome outcome = NOTHING;
+    Outcome outcome = NO_RESPONSE;
     QByteArray reply; ///< for the driver's judgement
     microseconds responseTime =
         {};              ///< from the last byte of the request to the first of the response
@@ -40,20 +40,20 @@ public:
     const std::string &device() const { return m_port.device(); }
 
 private:
-    void settle();
+    void awaitFrameGap();
     void send(const QByteArray &frame);
-    Exchange::Outcome takeEcho(const QByteArray &frame, AnswerFilter &filter);
-    Exchange receive(AnswerFilter &filter);
-    void await(AnswerFilter &filter, Clock::time_point deadline);
-    void collect(AnswerFilter &filter, Clock::time_point deadline);
-    void rest();
+    Exchange::Outcome takeEcho(const QByteArray &frame, ResponseFilter &filter);
+    Exchange receive(ResponseFilter &filter);
+    void awaitResponse(ResponseFilter &filter, Clock::time_point deadline);
+    void collectRest(ResponseFilter &filter, Clock::time_point deadline);
+    void keepGuardTime();
     QByteArray read(int timeout);
 
     const LineSettings m_settings;
     const LineTaps &m_taps;
     SerialPort m_port;
     Clock::time_point m_lastByte; // on the line, in either direction
-    bool m_wasHeard = false;      // since the request was sent
+    bool m_hasReceived = false;   // since the request was sent
 };
 
 } // namespace velko

@@ -13,7 +13,7 @@ struct Link {
     int maxRegs = 100;           ///< registers per request, at most
     int retries = 2;             ///< before a request is given up
     bool ownFailuresOnly = true; ///< failures of other requests do not count as retries
-    int offerAgain = 0;          ///< times that a given-up write is queued again before it fails
+    int queueAgain = 0;          ///< times that a given-up write is queued again before it fails
     int staleAfter = 5000;       ///< milliseconds after which a value is stale
     std::vector<Variable> variables;
 

@@ -46,10 +46,11 @@ LineSettings readLine(const Fields &fields)
     line.baudRate = fields.number("baud", LOWEST_BAUD, HIGHEST_BAUD, line.baudRate);
     line.parity = "NEO"[fields.choice("parity", {"none", "even", "odd"}, 1)];
     line.stopBits = fields.number("stopBits", 1, HIGHEST_STOP_BITS, line.stopBits);
-    line.replyTimeout = fields.number("timeout", 1, LONGEST_TIME, line.replyTimeout);
-    line.byteTimeout = fields.number("byteTimeout", 1, LONGEST_TIME, line.byteTimeout);
+    line.responseTimeout = fields.number("timeout", 1, LONGEST_TIME, line.responseTimeout);
+    line.interCharacterTimeout =
+        fields.number("byteTimeout", 1, LONGEST_TIME, line.interCharacterTimeout);
     line.guardTime = fields.number("guard", 0, LONGEST_TIME);
-    line.silenceFloor = fields.microseconds("silence", LONGEST_SILENCE);
+    line.minFrameGap = fields.microseconds("silence", LONGEST_SILENCE);
     line.rs485 =
         static_cast<Rs485>(fields.choice("rs485", {"off", "rts-on-send", "rts-after-send"}, 0));
     line.echo = fields.flag("echo", false);
@@ -98,7 +99,7 @@ private:
                             "\"" + device + "\" belongs to a link already; one port is one link");
         link.retries = fields.number("retries", 0, HIGHEST_RETRIES, link.retries);
         link.ownFailuresOnly = fields.flag("ownFailuresOnly", link.ownFailuresOnly);
-        link.offerAgain = fields.number("offerAgain", 0, HIGHEST_OFFER_AGAIN, link.offerAgain);
+        link.queueAgain = fields.number("offerAgain", 0, HIGHEST_QUEUE_AGAIN, link.queueAgain);
         link.staleAfter = fields.number("staleAfter", 1, LONGEST_STALE_AFTER, link.staleAfter);
         link.maxRegs =
             fields.number("maxRegs", LOWEST_MAX_REGS, HIGHEST_MAX_REGS_READING, link.maxRegs);

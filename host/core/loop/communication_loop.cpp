@@ -76,7 +76,7 @@ void CommunicationLoop::giveUpUnwanted()
 bool CommunicationLoop::write(const WriteOrder &order)
 {
     const bool isQueued =
-        m_writes.add(order, m_link.maxRegs, m_link.offerAgain, obstacleTo(order.variable));
+        m_writes.add(order, m_link.maxRegs, m_link.queueAgain, obstacleTo(order.variable));
     m_status.setWriting(m_writes.pending());
     return isQueued;
 }

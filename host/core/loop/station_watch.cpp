@@ -64,7 +64,7 @@ void StationWatch::probe(int station)
 
 void StationWatch::exchangeEnded(int station, const Verdict &verdict, bool isQuiet)
 {
-    m_wasHeard = m_wasHeard || !isQuiet || verdict.kind != Verdict::NO_REPLY;
+    m_hasReceived = m_hasReceived || !isQuiet || verdict.kind != Verdict::NO_REPLY;
     const StationStates::State state = m_states.state(station);
     if (state == StationStates::PROBING)
         probeEnded(station, verdict);
@@ -86,7 +86,7 @@ void StationWatch::probeEnded(int station, const Verdict &verdict)
 // Any byte in any try is a sign of life, noise and foreign frames included.
 void StationWatch::watchSilence(int station, const Verdict &verdict)
 {
-    if (verdict.kind != Verdict::NO_REPLY || verdict.repeats || m_wasHeard || !isInLink(station))
+    if (verdict.kind != Verdict::NO_REPLY || verdict.repeats || m_hasReceived || !isInLink(station))
         return;
     m_states.beginClearing(station, m_driver.queuedWrites());
     m_reporter.report(Event::STATION_OFFLINE, std::to_string(station),
@@ -95,7 +95,7 @@ void StationWatch::watchSilence(int station, const Verdict &verdict)
 
 void StationWatch::requestEnded(const RW_VAR &request)
 {
-    m_wasHeard = false;
+    m_hasReceived = false;
     if (request.ownerTag >= 0)
         m_states.writeEnded();
 }

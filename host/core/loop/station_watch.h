@@ -41,7 +41,7 @@ private:
     const Reporter &m_reporter;
     std::vector<int> m_stations; // of the link, in ascending order
     std::vector<Variable> m_variables;
-    bool m_wasHeard = false; // bytes came in one of the tries of the current request
+    bool m_hasReceived = false; // bytes came in one of the tries of the current request
 };
 
 } // namespace velko

@@ -64,7 +64,7 @@ int bytesOf(const Gap &gap)
 
 microseconds overheadTime(const LineSettings &line)
 {
-    return wireTime(line, REQUEST_BYTES + READ_OVERHEAD_BYTES) + 2 * silenceTime(line);
+    return wireTime(line, REQUEST_BYTES + READ_OVERHEAD_BYTES) + 2 * frameGap(line);
 }
 
 bool isWorthSplitting(const Gap &gap, const LineSettings &line)

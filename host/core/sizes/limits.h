@@ -24,7 +24,7 @@ const int LOWEST_MAX_REGS = 2;
 const int HIGHEST_MAX_REGS_WRITING = 122; // function 16 carries 123; a double word is not cut
 const int HIGHEST_MAX_REGS_READING = 125;
 const int HIGHEST_RETRIES = 100;
-const int HIGHEST_OFFER_AGAIN = 100;
+const int HIGHEST_QUEUE_AGAIN = 100;
 
 // --- Times, in milliseconds ---
 

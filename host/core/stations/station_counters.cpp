@@ -7,7 +7,7 @@ namespace velko
 
 microseconds StationCounters::meanResponse() const
 {
-    return m_answers > 0 ? m_responses / m_answers : microseconds(0);
+    return m_responses > 0 ? m_responseTimes / m_responses : microseconds(0);
 }
 
 void StationCounters::count(const Verdict &verdict, const Exchange &exchange)
@@ -24,8 +24,8 @@ void StationCounters::count(const Verdict &verdict, const Exchange &exchange)
     givenUp += verdict.kind != Verdict::GOOD && !verdict.repeats;
     if (exchange.reply.isEmpty())
         return;
-    ++m_answers;
-    m_responses += exchange.responseTime;
+    ++m_responses;
+    m_responseTimes += exchange.responseTime;
     worstResponse = std::max(worstResponse, exchange.responseTime);
 }
 

@@ -28,8 +28,8 @@ struct StationCounters {
     void count(const Verdict &verdict, const Exchange &exchange);
 
 private:
-    microseconds m_responses = {};
-    Count m_answers = 0;
+    Count m_responses = 0;
+    microseconds m_responseTimes = {}; // sum
 };
 
 } // namespace velko

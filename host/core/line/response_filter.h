@@ -9,11 +9,11 @@ namespace velko
 /// Drops all bytes that do not belong to the response: frames of other stations and functions, late
 /// responses of another length or, after a write, of other registers, and noise. A response that
 /// the driver will reject (wrong CRC, truncated) is a response here.
-class AnswerFilter
+class ResponseFilter
 {
 public:
-    /// `replyLength`: bytes of a good response, at least 5.
-    AnswerFilter(const QByteArray &request, int replyLength);
+    /// `responseLength`: bytes of a good response, at least 5.
+    ResponseFilter(const QByteArray &request, int responseLength);
 
     void add(const QByteArray &bytes);
 
@@ -28,7 +28,7 @@ public:
     bool isComplete() const;
 
     /// The response as far as it is received; empty if it has not begun.
-    QByteArray answer() const;
+    QByteArray response() const;
 
     /// Returns the bytes dropped since the last call.
     QByteArray takeDropped();
@@ -37,7 +37,7 @@ public:
     QByteArray takeRest();
 
 private:
-    bool beginsLikeAnswer() const;
+    bool beginsLikeResponse() const;
     bool isException() const;
     bool fitsRequest(int length) const;
     int foreignBytes() const;
@@ -45,7 +45,7 @@ private:
     void dropForeign();
 
     QByteArray m_request;
-    int m_replyLength;
+    int m_responseLength;
     QByteArray m_bytes;
     QByteArray m_dropped;
 };

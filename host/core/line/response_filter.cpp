@@ -1,4 +1,4 @@
-#include "host/core/line/answer_filter.h"
+#include "host/core/line/response_filter.h"
 
 #include "host/core/line/crc16.h"
 #include "host/core/line/replies.h"
@@ -6,19 +6,19 @@
 namespace velko
 {
 
-AnswerFilter::AnswerFilter(const QByteArray &request, int replyLength)
+ResponseFilter::ResponseFilter(const QByteArray &request, int responseLength)
     : m_request(request),
-      m_replyLength(replyLength)
+      m_responseLength(responseLength)
 {
 }
 
-void AnswerFilter::add(const QByteArray &bytes)
+void ResponseFilter::add(const QByteArray &bytes)
 {
     m_bytes.append(bytes);
     dropForeign();
 }
 
-void AnswerFilter::gap()
+void ResponseFilter::gap()
 {
     while (!m_bytes.isEmpty() && !hasBegun()) {
         drop(1);
@@ -26,12 +26,12 @@ void AnswerFilter::gap()
     }
 }
 
-bool AnswerFilter::hasBegun() const
+bool ResponseFilter::hasBegun() const
 {
-    return !m_bytes.isEmpty() && beginsLikeAnswer();
+    return !m_bytes.isEmpty() && beginsLikeResponse();
 }
 
-bool AnswerFilter::isComplete() const
+bool ResponseFilter::isComplete() const
 {
     if (!hasBegun())
         return false;
@@ -39,72 +39,73 @@ bool AnswerFilter::isComplete() const
         return true;
     // A longer frame of this station and function may be a late response to another request: wait
     // for its end.
-    return m_bytes.size() >= m_replyLength
-           && (m_bytes.size() >= frameLength(m_bytes) || endsInItsCrc(m_bytes.left(m_replyLength)));
+    return m_bytes.size() >= m_responseLength
+           && (m_bytes.size() >= frameLength(m_bytes)
+               || endsInItsCrc(m_bytes.left(m_responseLength)));
 }
 
-QByteArray AnswerFilter::answer() const
+QByteArray ResponseFilter::response() const
 {
     if (!hasBegun())
         return QByteArray();
-    return m_bytes.left(isException() ? EXCEPTION_BYTES : m_replyLength);
+    return m_bytes.left(isException() ? EXCEPTION_BYTES : m_responseLength);
 }
 
-QByteArray AnswerFilter::takeRest()
+QByteArray ResponseFilter::takeRest()
 {
-    QByteArray rest = m_bytes.mid(answer().size());
+    QByteArray rest = m_bytes.mid(response().size());
     m_bytes.clear();
     return rest;
 }
 
-QByteArray AnswerFilter::takeDropped()
+QByteArray ResponseFilter::takeDropped()
 {
     QByteArray dropped;
     dropped.swap(m_dropped);
     return dropped;
 }
 
-bool AnswerFilter::beginsLikeAnswer() const
+bool ResponseFilter::beginsLikeResponse() const
 {
     return m_bytes.at(0) == m_request.at(0)
            && (m_bytes.size() < 2 || (byteAt(m_bytes, 1) & 0x7F) == byteAt(m_request, 1));
 }
 
-bool AnswerFilter::isException() const
+bool ResponseFilter::isException() const
 {
     return isExceptionTo(m_request, m_bytes.left(EXCEPTION_BYTES));
 }
 
 // The response to a write names its registers; the response to a read has only a length.
-bool AnswerFilter::fitsRequest(int length) const
+bool ResponseFilter::fitsRequest(int length) const
 {
     const int function16 = 16;
-    return length == m_replyLength
+    return length == m_responseLength
            && (byteAt(m_request, 1) != function16 || m_bytes.mid(2, 4) == m_request.mid(2, 4));
 }
 
 // Number of leading bytes that cannot belong to the response.
-int AnswerFilter::foreignBytes() const
+int ResponseFilter::foreignBytes() const
 {
     if (isException())
         return 0;
     const int length = frameLength(m_bytes);
     const bool isFrame =
         length > 0 && m_bytes.size() >= length && endsInItsCrc(m_bytes.left(length));
-    if (beginsLikeAnswer())
+    if (beginsLikeResponse())
         return isFrame && !fitsRequest(length) ? length : 0;
     if (isFrame)
         return length;
     return m_bytes.size() < length ? 0 : 1; // the rest of a frame may follow
 }
 
-void AnswerFilter::drop(int count)
+void ResponseFilter::drop(int count)
 {
     m_dropped.append(m_bytes.left(count));
     m_bytes.remove(0, count);
 }
 
-void AnswerFilter::dropForeign()
+void ResponseFilter::dropForeign()
 {
     while (!m_bytes.isEmpty()) {
         const int count = foreignBytes();
