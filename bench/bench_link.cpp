@@ -1,6 +1,7 @@
 #include "bench/bench_link.h"
 
 #include "host/core/line/crc16.h"
+#include "host/core/loading/driver_copy.h"
 
 #include <algorithm>
 #include <random>

@@ -1,9 +1,14 @@
 // A driver on a simulated line without delay or faults, for the benchmarks.
 #pragma once
 
-#include "host/core/loading/driver_copy.h"
+#include "host/core/loading/driver_library.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
+#include <QList>
 
 #include <array>
+#include <cstddef>
 #include <memory>
 
 /// A freshly loaded copy of the driver: maxRegs 125, station 1, device mode.

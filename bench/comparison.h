@@ -3,6 +3,10 @@
 
 #include "bench/plan_cost.h"
 #include "bench/tag_sets.h"
+#include "host/core/variables/variable.h"
+
+#include <string>
+#include <vector>
 
 struct Method {
     std::string id;

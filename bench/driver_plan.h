@@ -2,6 +2,10 @@
 #pragma once
 
 #include "bench/read_plans.h"
+#include "host/core/variables/variable.h"
+
+#include <string>
+#include <vector>
 
 /// Returns the registers that the driver's frames read. Throws std::runtime_error if the library
 /// cannot be loaded, if a frame is wrong, or if a register of a variable is not read.

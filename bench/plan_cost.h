@@ -3,6 +3,9 @@
 
 #include "bench/read_plans.h"
 
+#include <string>
+#include <vector>
+
 /// A measure of cost: a fixed part per request and a part per register.
 struct Measure {
     std::string id;

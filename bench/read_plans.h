@@ -4,6 +4,7 @@
 #include "host/core/variables/variable.h"
 
 #include <map>
+#include <vector>
 
 /// Each span is one request.
 using ReadPlan = std::vector<velko::RegisterSpan>;

@@ -1,5 +1,7 @@
 #include "bench/tag_sets.h"
 
+#include "host/core/variables/kinds.h"
+
 #include <array>
 #include <random>
 

@@ -3,6 +3,12 @@
 #pragma once
 
 #include "host/core/variables/variable.h"
+#include "velko_modbus_rtu.h"
+
+#include <QList>
+
+#include <string>
+#include <vector>
 
 /// DENSE: blocks of data and recipes, in which nearly every register is used. SCATTERED: small
 /// groups scattered over the three areas, with gaps within and between them. MIXED: machine units

@@ -3,7 +3,9 @@
 
 #include "driver/pending_merge.h"
 #include "driver/records.h"
+#include "velko_modbus_rtu.h"
 
+#include <QList>
 #include <QMutex>
 
 #include <atomic>

@@ -2,7 +2,10 @@
 // and reuse their memory as soon as the call has returned, so a shared handle is not enough.
 #pragma once
 
-#include "driver/records.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
+#include <QString>
 
 /// Both return a copy that shares no byte with the argument. Null stays null.
 inline QString ownText(const QString &text)

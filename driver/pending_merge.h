@@ -1,7 +1,7 @@
 // The bit or byte that a read-modify-write changes in its register.
 #pragma once
 
-#include "driver/records.h"
+#include "velko_modbus_rtu.h"
 
 /// Stored separately from the write queue because other threads may append to that queue while a
 /// response is saved.

@@ -1,7 +1,7 @@
 // Read requests: functions 03 and 04.
 #pragma once
 
-#include "driver/records.h"
+#include "velko_modbus_rtu.h"
 
 /// Returns the read request for a record in read form (area code, register, count). Queues nothing.
 Protocol ReadAnalog(const RW_VAR &record);

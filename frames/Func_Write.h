@@ -1,7 +1,7 @@
 // Write requests: function 16, and the read-modify-write of bits and bytes.
 #pragma once
 
-#include "driver/records.h"
+#include "velko_modbus_rtu.h"
 
 /// Returns the function 16 request for a record in write form whose `addr` is a byte offset. The
 /// record's count, modulo 65,536, is at most 32,763 registers. Missing value bytes count as 0.

@@ -1,7 +1,9 @@
 // Puts the frames of one request on pendingList.
 #pragma once
 
-#include "driver/records.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
 
 /// Returns a Protocol with these fields; frameLen is the size of `frame`. Takes over the bytes of
 /// `frame`.

@@ -1,11 +1,18 @@
 // Shared by the fuzz programs: an input that is cut into arguments, and steps that check their
 // results.
-#ifndef FUZZ_COMMON_H
-#define FUZZ_COMMON_H
+#pragma once
 
-#include "driver/modbus_rtu_master.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
 
 #include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
 
 // Assertions find the faults, so they are enabled in every build type.
 #undef NDEBUG
@@ -40,5 +47,3 @@ void exchange(Input &input);
 
 /// Passes a record of any content to one of the lists and checks its length.
 void queue(Input &input);
-
-#endif

@@ -1,7 +1,9 @@
 // The cyclic read list: merges variables into few requests.
 #pragma once
 
-#include "driver/records.h"
+#include "velko_modbus_rtu.h"
+
+#include <QList>
 
 // All three work on records in read form (area code, register, count). The caller of
 // BitVarReCreat and addressAdd holds listMutex.

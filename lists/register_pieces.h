@@ -1,7 +1,7 @@
 // Cuts consecutive registers into requests of at most maxRegs registers.
 #pragma once
 
-#include "driver/records.h"
+#include "velko_modbus_rtu.h"
 
 /// Returns the host's maxRegs, or 1 if it is less than 1.
 inline int usableMaxRegs(int maxRegs)

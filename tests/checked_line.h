@@ -6,6 +6,15 @@
 #include "tests/driver_under_test.h"
 #include "tests/queue_model.h"
 #include "tests/slave_memory.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
 
 enum LineFault {
     NO_FAULT,

@@ -4,6 +4,11 @@
 
 #include "driver/modbus_rtu_master.h"
 #include "host/core/loading/driver_library.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
 
 #include <gtest/gtest.h>
 

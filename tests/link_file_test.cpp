@@ -1,4 +1,5 @@
 // The file of links and variables: which content is refused, where and why.
+#include "host/core/links/file_error.h"
 #include "host/core/links/link_file.h"
 
 #include <QFile>

@@ -1,4 +1,5 @@
 // The communication loop on the simulated PLC: times, threads and the port. The rest are cases.
+#include "host/core/loop/link_runner.h"
 #include "tests/loop_under_test.h"
 
 #include "host/core/line/port_error.h"

@@ -1,13 +1,29 @@
 // A communication loop on the simulated PLC, whose three stations are 1, 2 and 3.
 #pragma once
 
+#include "host/core/events/event.h"
+#include "host/core/line/line_tap.h"
+#include "host/core/line/line_times.h"
 #include "host/core/line/replies.h"
-#include "host/core/loop/link_runner.h"
+#include "host/core/links/link.h"
+#include "host/core/loop/communication_loop.h"
+#include "host/core/stations/station_counters.h"
+#include "host/core/status/link_status.h"
+#include "host/core/variables/variable.h"
+#include "host/plc/faults.h"
+#include "host/plc/request_log.h"
 #include "host/plc/simulated_plc.h"
+
+#include <QThread>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace velko
 {

@@ -1,6 +1,9 @@
 // Reads the files in tests/cases: scripts of calls with their expected results, and tables.
 #pragma once
 
+#include <QByteArray>
+#include <QList>
+#include <QString>
 #include <QStringList>
 
 #include <functional>

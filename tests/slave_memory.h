@@ -3,6 +3,8 @@
 
 #include "velko_modbus_rtu.h"
 
+#include <QByteArray>
+
 #include <map>
 #include <utility>
 

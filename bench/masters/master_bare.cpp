@@ -1,5 +1,6 @@
 // A master without driver and host: write, poll, read and a silent interval. An exchange takes only
 // the time of the operating system and of the slave.
+#include "bench/masters/plc_values.h"
 #include "bench/masters/poll_task.h"
 #include "bench/masters/raw_port.h"
 #include "host/core/line/crc16.h"

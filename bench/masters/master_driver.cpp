@@ -3,6 +3,7 @@
 //
 // It keeps no silent interval between frames, because libmodbus does not: both run on a line
 // without transmission time.
+#include "bench/masters/plc_values.h"
 #include "bench/masters/poll_task.h"
 #include "bench/masters/raw_port.h"
 #include "host/core/loading/driver_library.h"

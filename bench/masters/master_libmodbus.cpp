@@ -2,6 +2,7 @@
 // registers. The groups, and the places of the variables in them, are computed in advance.
 //
 // libmodbus keeps no silent interval between frames; neither does the master with the driver.
+#include "bench/masters/plc_values.h"
 #include "bench/masters/poll_task.h"
 
 #include <modbus.h>

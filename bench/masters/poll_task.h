@@ -1,11 +1,15 @@
 // The task of a small master: read variables repeatedly and check their values.
 #pragma once
 
-#include "bench/masters/plc_values.h"
+#include "velko_modbus_rtu.h"
+
+#include <QList>
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 class PollTask
 {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/core/events/event.h"
+#include "host/core/events/verdict.h"
 
 namespace velko
 {

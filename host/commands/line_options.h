@@ -6,6 +6,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+
 namespace velko
 {
 

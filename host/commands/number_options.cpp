@@ -1,5 +1,7 @@
 #include "host/commands/number_options.h"
 
+#include "host/core/text/numbers.h"
+
 #include <stdexcept>
 
 namespace velko

@@ -1,8 +1,6 @@
 // Options whose values are numbers.
 #pragma once
 
-#include "host/core/text/numbers.h"
-
 #include <CLI/CLI.hpp>
 
 namespace velko

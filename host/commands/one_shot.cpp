@@ -3,6 +3,7 @@
 #include "host/commands/exit_status.h"
 #include "host/commands/number_options.h"
 #include "host/core/line/port_error.h"
+#include "host/core/plan/request_planner.h"
 #include "host/core/sizes/limits.h"
 
 #include <cstdio>

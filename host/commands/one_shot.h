@@ -1,9 +1,13 @@
 // What `read` and `write` share.
 #pragma once
 
-#include "host/commands/line_options.h"
 #include "host/commands/talk_options.h"
+#include "host/core/events/event.h"
+#include "host/core/links/link.h"
 #include "host/core/loop/communication_loop.h"
+#include "host/core/variables/variable.h"
+
+#include <string>
 
 namespace velko
 {

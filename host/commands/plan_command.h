@@ -3,6 +3,8 @@
 
 #include "host/commands/command.h"
 
+#include <string>
+
 namespace velko
 {
 

@@ -1,7 +1,9 @@
 #include "host/commands/poll_command.h"
 
+#include "host/commands/console.h"
 #include "host/commands/exit_status.h"
 #include "host/commands/number_options.h"
+#include "host/core/line/line_times.h"
 #include "host/core/links/link_file.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/text/numbers.h"

@@ -2,10 +2,14 @@
 #pragma once
 
 #include "host/commands/command.h"
-#include "host/commands/console.h"
 #include "host/commands/talk_options.h"
+#include "host/core/links/link.h"
 #include "host/core/session/poll_session.h"
 #include "host/views/poll_view.h"
+
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace velko
 {

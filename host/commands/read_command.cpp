@@ -5,6 +5,7 @@
 #include "host/commands/number_options.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/sizes/units.h"
+#include "host/core/variables/formats.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -7,6 +7,7 @@
 #include "host/commands/simulate_report.h"
 #include "host/commands/simulate_run.h"
 #include "host/core/sizes/limits.h"
+#include "host/core/text/numbers.h"
 #include "host/plc/device_link.h"
 
 #include <chrono>

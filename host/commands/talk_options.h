@@ -2,11 +2,14 @@
 #pragma once
 
 #include "host/core/line/capture_tap.h"
+#include "host/core/line/line_tap.h"
 #include "host/views/trace_tap.h"
 
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace velko
 {

@@ -3,6 +3,8 @@
 #include "host/commands/exit_status.h"
 #include "host/commands/help_texts.h"
 #include "host/core/sizes/units.h"
+#include "host/core/variables/formats.h"
+#include "host/core/variables/kinds.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,7 +2,13 @@
 #pragma once
 
 #include "host/commands/command.h"
+#include "host/commands/line_options.h"
 #include "host/commands/one_shot.h"
+#include "host/commands/talk_options.h"
+#include "host/core/variables/variable.h"
+
+#include <string>
+#include <vector>
 
 namespace velko
 {

@@ -1,6 +1,8 @@
 // Shows values and events as JSON objects, one per line.
 #pragma once
 
+#include "host/core/events/event.h"
+#include "host/core/session/snapshot.h"
 #include "host/views/poll_view.h"
 
 #include <QJsonObject>

@@ -2,6 +2,8 @@
 // changes; a summary at the end.
 #pragma once
 
+#include "host/core/events/event.h"
+#include "host/core/session/snapshot.h"
 #include "host/views/poll_view.h"
 
 #include <chrono>

@@ -1,8 +1,11 @@
 // Shows values and stations on a terminal, as a table that is redrawn in place.
 #pragma once
 
+#include "host/core/events/event.h"
+#include "host/core/session/snapshot.h"
 #include "host/views/poll_view.h"
 
+#include <cstddef>
 #include <deque>
 #include <string>
 #include <vector>

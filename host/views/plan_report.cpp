@@ -1,7 +1,9 @@
 #include "host/views/plan_report.h"
 
+#include "host/core/line/line_times.h"
 #include "host/core/plan/request_cost.h"
 #include "host/core/text/numbers.h"
+#include "host/core/variables/kinds.h"
 #include "host/views/text_table.h"
 
 namespace velko

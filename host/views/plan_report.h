@@ -1,6 +1,7 @@
 // The cost of a cyclic list as text.
 #pragma once
 
+#include "host/core/links/link.h"
 #include "host/core/plan/request_planner.h"
 
 #include <string>

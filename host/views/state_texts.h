@@ -3,6 +3,7 @@
 
 #include "host/core/events/event.h"
 #include "host/core/session/snapshot.h"
+#include "host/core/status/link_status.h"
 
 #include <string>
 

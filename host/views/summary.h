@@ -3,6 +3,7 @@
 
 #include "host/core/session/snapshot.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 

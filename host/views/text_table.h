@@ -1,6 +1,7 @@
 // Rows of text under aligned headings.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 

@@ -3,8 +3,11 @@
 
 #include "host/core/line/line_tap.h"
 
+#include <QByteArray>
+
 #include <cstdio>
 #include <mutex>
+#include <string>
 
 namespace velko
 {

@@ -3,6 +3,8 @@
 
 #include "host/core/events/event.h"
 
+#include <string>
+
 namespace velko
 {
 

@@ -3,10 +3,13 @@
 
 #include "host/core/line/line_tap.h"
 
+#include <QByteArray>
+
 #include <pcap/pcap.h>
 
 #include <memory>
 #include <mutex>
+#include <string>
 
 namespace velko
 {

@@ -1,9 +1,16 @@
 // The serial line: one request and its response at a time, with the frame gaps between them.
 #pragma once
 
+#include "host/core/line/line_settings.h"
 #include "host/core/line/line_tap.h"
+#include "host/core/line/line_times.h"
+#include "host/core/line/port_finder.h"
 #include "host/core/line/response_filter.h"
 #include "host/core/line/serial_port.h"
+
+#include <QByteArray>
+
+#include <string>
 
 namespace velko
 {

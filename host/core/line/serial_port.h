@@ -1,10 +1,13 @@
 // An open serial port, whose errors are PortError.
 #pragma once
 
-#include "host/core/line/line_times.h"
+#include "host/core/line/line_settings.h"
 #include "host/core/line/port_finder.h"
 
+#include <QByteArray>
 #include <QSerialPort>
+
+#include <string>
 
 namespace velko
 {

@@ -5,6 +5,7 @@
 
 #include <toml++/toml.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>

@@ -4,6 +4,9 @@
 #include "host/core/line/line_settings.h"
 #include "host/core/variables/variable.h"
 
+#include <string>
+#include <vector>
+
 namespace velko
 {
 

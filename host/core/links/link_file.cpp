@@ -1,8 +1,10 @@
 #include "host/core/links/link_file.h"
 
 #include "host/core/links/fields.h"
+#include "host/core/links/file_error.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/sizes/units.h"
+#include "host/core/variables/kinds.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,8 +1,10 @@
 // Reads the file of links and variables, which is TOML.
 #pragma once
 
-#include "host/core/links/file_error.h"
 #include "host/core/links/link.h"
+
+#include <string>
+#include <vector>
 
 namespace velko
 {

@@ -5,6 +5,7 @@
 #include "host/core/loading/driver_library.h"
 
 #include <memory>
+#include <string>
 
 namespace velko
 {

@@ -2,12 +2,24 @@
 // draws the consequences of each verdict.
 #pragma once
 
+#include "host/core/events/event.h"
+#include "host/core/events/reporter.h"
+#include "host/core/events/verdict.h"
+#include "host/core/line/line_tap.h"
+#include "host/core/line/line_times.h"
+#include "host/core/links/link.h"
 #include "host/core/loop/cycle_counter.h"
 #include "host/core/loop/driver_link.h"
 #include "host/core/loop/link_port.h"
 #include "host/core/loop/station_watch.h"
+#include "host/core/plan/request_planner.h"
+#include "host/core/stations/station_states.h"
 #include "host/core/status/link_status.h"
+#include "host/core/variables/variable.h"
 #include "host/core/writes/write_queue.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
 
 #include <optional>
 #include <string>

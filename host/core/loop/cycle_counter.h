@@ -4,9 +4,11 @@
 
 #include "host/core/plan/request_planner.h"
 #include "host/core/stations/station_states.h"
+#include "velko_modbus_rtu.h"
 
 #include <set>
 #include <tuple>
+#include <vector>
 
 namespace velko
 {

@@ -1,5 +1,7 @@
 #include "host/core/loop/driver_link.h"
 
+#include "host/core/loading/driver_copy.h"
+
 namespace velko
 {
 

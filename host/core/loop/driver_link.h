@@ -2,8 +2,12 @@
 #pragma once
 
 #include "host/core/links/link.h"
-#include "host/core/loading/driver_copy.h"
+#include "host/core/loading/driver_library.h"
 #include "host/core/plan/request_planner.h"
+#include "host/core/variables/variable.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
 
 #include <memory>
 #include <optional>

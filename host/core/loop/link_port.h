@@ -2,9 +2,14 @@
 #pragma once
 
 #include "host/core/events/reporter.h"
+#include "host/core/line/line_settings.h"
+#include "host/core/line/line_tap.h"
+#include "host/core/line/line_times.h"
+#include "host/core/line/port_finder.h"
 #include "host/core/line/serial_line.h"
 #include "host/core/stations/growing_pause.h"
 #include "host/core/status/link_status.h"
+#include "velko_modbus_rtu.h"
 
 #include <memory>
 #include <optional>

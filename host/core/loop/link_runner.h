@@ -1,6 +1,7 @@
 // Runs the communication loop of a link on a thread of its own.
 #pragma once
 
+#include "host/core/line/line_times.h"
 #include "host/core/loop/communication_loop.h"
 
 #include <QThread>

@@ -2,8 +2,12 @@
 #pragma once
 
 #include "host/core/events/reporter.h"
+#include "host/core/events/verdict.h"
+#include "host/core/links/link.h"
 #include "host/core/loop/driver_link.h"
 #include "host/core/stations/station_states.h"
+#include "host/core/variables/variable.h"
+#include "velko_modbus_rtu.h"
 
 #include <vector>
 

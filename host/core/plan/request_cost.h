@@ -1,8 +1,11 @@
 // The cost of a request of the cyclic list on the line.
 #pragma once
 
+#include "host/core/line/line_settings.h"
 #include "host/core/line/line_times.h"
+#include "host/core/links/link.h"
 #include "host/core/plan/request_planner.h"
+#include "velko_modbus_rtu.h"
 
 #include <vector>
 

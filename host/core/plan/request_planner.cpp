@@ -1,5 +1,7 @@
 #include "host/core/plan/request_planner.h"
 
+#include "host/core/loading/driver_copy.h"
+
 #include <algorithm>
 #include <iterator>
 

@@ -2,7 +2,14 @@
 #pragma once
 
 #include "host/core/links/link.h"
-#include "host/core/loading/driver_copy.h"
+#include "host/core/loading/driver_library.h"
+#include "velko_modbus_rtu.h"
+
+#include <QByteArray>
+
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace velko
 {

@@ -1,6 +1,10 @@
 // One link that runs: its variables are kept up to date and written, on a thread of its own.
 #pragma once
 
+#include "host/core/events/event.h"
+#include "host/core/line/line_tap.h"
+#include "host/core/links/link.h"
+#include "host/core/loop/communication_loop.h"
 #include "host/core/loop/link_runner.h"
 #include "host/core/session/snapshot.h"
 

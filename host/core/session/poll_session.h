@@ -1,7 +1,16 @@
 // The links of a file, and their events gathered for one reader.
 #pragma once
 
+#include "host/core/events/event.h"
+#include "host/core/line/line_tap.h"
+#include "host/core/links/link.h"
 #include "host/core/session/link_session.h"
+#include "host/core/session/snapshot.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
 
 namespace velko
 {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/core/status/link_status.h"
+#include "host/core/variables/variable.h"
 
 #include <cstdint>
 #include <string>

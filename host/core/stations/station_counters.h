@@ -2,6 +2,8 @@
 #pragma once
 
 #include "host/core/events/verdict.h"
+#include "host/core/line/line_times.h"
+#include "host/core/line/serial_line.h"
 
 #include <cstdint>
 #include <map>

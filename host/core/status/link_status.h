@@ -1,9 +1,13 @@
 // The state of a link for any thread: which values are fresh, what its stations answered, its port.
 #pragma once
 
+#include "host/core/events/verdict.h"
+#include "host/core/line/line_times.h"
+#include "host/core/line/serial_line.h"
 #include "host/core/stations/station_counters.h"
 #include "host/core/stations/station_states.h"
 #include "host/core/status/register_states.h"
+#include "host/core/variables/variable.h"
 
 #include <cstdint>
 #include <map>

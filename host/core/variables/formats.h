@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 
+#include <cstddef>
 #include <string>
 
 namespace velko

@@ -2,6 +2,7 @@
 
 #include "host/core/sizes/units.h"
 #include "host/core/text/numbers.h"
+#include "velko_modbus_rtu.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,8 +1,6 @@
 // The twelve kinds of variables and their names.
 #pragma once
 
-#include "velko_modbus_rtu.h"
-
 #include <string>
 
 namespace velko

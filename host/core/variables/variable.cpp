@@ -3,6 +3,7 @@
 #include "host/core/sizes/limits.h"
 #include "host/core/sizes/units.h"
 #include "host/core/text/numbers.h"
+#include "host/core/variables/kinds.h"
 
 #include <algorithm>
 #include <sstream>

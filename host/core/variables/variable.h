@@ -2,8 +2,12 @@
 #pragma once
 
 #include "host/core/variables/formats.h"
-#include "host/core/variables/kinds.h"
+#include "velko_modbus_rtu.h"
 
+#include <QByteArray>
+#include <QList>
+
+#include <string>
 #include <vector>
 
 namespace velko

@@ -1,11 +1,16 @@
 // Writes from the moment they are given until their results are known.
 #pragma once
 
+#include "host/core/events/event.h"
 #include "host/core/events/reporter.h"
+#include "host/core/events/verdict.h"
 #include "host/core/loading/driver_library.h"
 #include "host/core/variables/variable.h"
 #include "host/core/writes/request_reports.h"
 
+#include <QByteArray>
+
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
