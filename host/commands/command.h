@@ -11,7 +11,7 @@ namespace velko
 class Command
 {
 public:
-    /// `program` outlives the command.
+    /// `program` is the caller's and outlives the command.
     Command(CLI::App &program, const std::string &name, const std::string &help)
         : m_options(*program.add_subcommand(name, help))
     {
@@ -20,10 +20,12 @@ public:
     Command(const Command &) = delete;
     Command &operator=(const Command &) = delete;
 
+    /// True if the command line contains this command.
     bool isChosen() const { return m_options.parsed(); }
 
-    /// Called after the options are parsed, if the command was chosen. Returns an ExitStatus.
-    /// Throws std::invalid_argument for wrong usage; other exceptions as their types say.
+    /// Executes the command. Called after the options are parsed, if the command is chosen. Returns
+    /// an ExitStatus. Throws std::invalid_argument for wrong usage, FileError, PortError, or any
+    /// other std::exception.
     virtual int run() = 0;
 
 protected:

@@ -32,7 +32,7 @@ std::string trimmed(const std::string &text)
 
 } // namespace
 
-// If standard input is closed, the next file that is opened gets its number.
+// If standard input is closed at the start, the next file gets its number and must not be read.
 Console::Console()
     : m_isInputOpen(::fcntl(STDIN_FILENO, F_GETFD) >= 0),
       m_isTerminal(::isatty(STDIN_FILENO) != 0)
@@ -101,7 +101,7 @@ void Console::readLines(Input &input, bool isHungUp)
             input.lines.push_back(line);
         m_rest.erase(0, end + 1);
     }
-    // Enough of a line for a message that refuses it.
+    // The beginning of a line is enough for the message that refuses it.
     m_rest.resize(std::min(m_rest.size(), LONGEST_LINE));
 }
 

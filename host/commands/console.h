@@ -16,16 +16,16 @@ public:
         std::vector<std::string> lines;
     };
 
-    /// Blocks the three signals on this thread and on all that it starts later, and handles them.
-    /// Throws std::runtime_error.
+    /// Blocks the three signals on this thread and on all threads that it starts later. Throws
+    /// std::runtime_error.
     Console();
     ~Console();
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
 
-    /// Waits at most `milliseconds` for input. Lines are not empty and have no blanks around them.
-    /// The end of standard input counts only if it is a terminal. After the first SIGINT or SIGTERM
-    /// a second one ends the program at once.
+    /// Waits at most `milliseconds` for input. Lines are not empty and have no blanks at their
+    /// ends. The end of standard input is reported only if it is a terminal. After the first SIGINT
+    /// or SIGTERM, a second one ends the program at once.
     Input wait(int milliseconds);
 
 private:
@@ -35,7 +35,7 @@ private:
     bool m_isInputOpen;
     bool m_isTerminal;
     int m_signals;
-    std::string m_rest; // of a line whose end is not read yet
+    std::string m_rest; // beginning of a line whose end is not read yet
 };
 
 } // namespace velko

@@ -1,5 +1,5 @@
-// Line settings for the sub-commands without a file. Options that mbpoll has as well have the same
-// letters and meanings.
+// Line settings for the sub-commands without a file. Options of mbpoll have the same letters and
+// meanings here.
 #pragma once
 
 #include "host/core/links/link.h"
@@ -14,12 +14,13 @@ namespace velko
 class LineOptions
 {
 public:
-    /// The device is the first positional argument.
+    /// Adds the options, and the device as the first positional argument.
     explicit LineOptions(CLI::App &options);
 
     /// Returns a link without variables.
     Link link() const;
 
+    /// The value of -a.
     int station() const { return m_station; }
 
 private:

@@ -28,7 +28,7 @@ int runChosen(const std::vector<std::unique_ptr<Command>> &commands)
     return EXIT_USAGE;
 }
 
-// The parser would read a negative value as options: "-12" as -1 and -2, "-0.5" as -0.
+// The parser would take a negative value for options: "-12" for -1 and -2, "-0.5" for -0.
 void checkNegativeNumbers(int argc, char *argv[])
 {
     for (int i = 2; i < argc && std::string(argv[i]) != "--"; ++i) {

@@ -6,10 +6,10 @@
 namespace velko
 {
 
-/// Accepts what parseNumber accepts.
+/// Returns a check that accepts what parseNumber accepts.
 CLI::Validator numberFrom(int lowest, int highest);
 
-/// Accepts what millisecondsIn accepts; the limits are milliseconds.
+/// Returns a check that accepts what millisecondsIn accepts. The limits are milliseconds.
 CLI::Validator secondsFrom(int lowest, int highest);
 
 } // namespace velko

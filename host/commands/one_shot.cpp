@@ -111,7 +111,7 @@ int OneShotLoop::write(const Variable &variable, const std::string &text)
     return exitStatusOf(m_lastWrite);
 }
 
-// Ends in any case: each request is given up after its retries.
+// The loop always ends, because each request is given up after its retries.
 void OneShotLoop::run(bool (OneShotLoop::*isDone)() const)
 {
     while (!(this->*isDone)()) {

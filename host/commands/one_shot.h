@@ -1,4 +1,4 @@
-// What `read` and `write` share.
+// Options and loop of the sub-commands `read` and `write`.
 #pragma once
 
 #include "host/commands/talk_options.h"
@@ -18,7 +18,8 @@ class OneShotOptions
 public:
     explicit OneShotOptions(CLI::App &options);
 
-    /// Returns the variable that the options describe. Throws std::invalid_argument.
+    /// Returns the variable that the options describe, without a name. Throws
+    /// std::invalid_argument.
     Variable byReference(int station, int count, Access access) const;
 
     /// True if one of -t, -r and -0 was given.
@@ -43,10 +44,12 @@ public:
     /// not exist. Throws std::runtime_error.
     OneShotLoop(const TalkOptions &talk, const Link &link);
 
-    /// Returns when each request has succeeded or is given up. Throws PortError.
+    /// Reads all variables of the link. Returns when each request has succeeded or is given up.
+    /// Throws PortError.
     void readAll();
 
-    /// Returns an ExitStatus, and prints the reason if the write failed. Throws PortError.
+    /// Writes a variable. Prints the reason on standard error if the write fails. Returns an
+    /// ExitStatus. Throws PortError.
     int write(const Variable &variable, const std::string &text);
 
     const CommunicationLoop &loop() const { return m_loop; }

@@ -137,7 +137,7 @@ void PollCommand::loop(PollSession &session, PollView &view)
 bool PollCommand::isOver(const PollSession &session) const
 {
     if (std::ferror(stdout) != 0)
-        return true; // the output has no reader any more
+        return true; // the reader of the output has ended
     return m_cycles > 0 && session.haveCycled(m_cycles) && session.isIdle();
 }
 

@@ -1,4 +1,4 @@
-// The sub-command `simulate`: its options and its course.
+// The sub-command `simulate`.
 #pragma once
 
 #include "host/commands/command.h"

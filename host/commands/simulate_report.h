@@ -1,4 +1,4 @@
-// What `panelhost simulate` prints on standard output, and the end of its help.
+// Output of `panelhost simulate`, and the end of its help text.
 #pragma once
 
 #include "host/plc/fault_schedule.h"
@@ -10,17 +10,18 @@
 namespace velko
 {
 
-/// Explains faults, from the table of the faults.
+/// Returns the end of the help text, which explains the faults.
 std::string simulateFooter();
 
-/// Prints the device first, on a line of its own, for programs that start this one; then the settings
-/// and the registers. `link`: an empty one is not printed.
+/// Prints the device, then the settings and the registers. The device has its own line for programs
+/// that start this one. `link` is not printed if it is empty.
 void printStart(const SimulatedPlc &plc, const SimulatedLineSettings &settings,
                 const std::string &link);
 
+/// Prints a fault of the schedule that was set.
 void printTimedFault(const TimedFault &fault);
 
-/// For a line on standard input.
+/// Print the result of a line on standard input.
 void printNewFault(const std::string &text);
 void printRefusal(const std::string &reason);
 

@@ -1,4 +1,4 @@
-// The time while simulated PLCs run: faults are set by the schedule and by the user.
+// Sets faults while simulated PLCs run, by the schedule and by the user's input.
 #pragma once
 
 #include "host/commands/console.h"
@@ -18,12 +18,12 @@ class SimulateRun
 public:
     using Milliseconds = std::chrono::milliseconds;
 
-    /// The times of the schedule and `end` count from here. Without `end`, only a signal ends the run.
-    /// `plc` outlives this object.
+    /// The times of the schedule and `end` count from the construction. Without `end`, only a
+    /// signal ends the run. `plc` is the caller's and outlives this object.
     SimulateRun(SimulatedPlc &plc, std::vector<int> stations, FaultSchedule schedule,
                 std::optional<Milliseconds> end);
 
-    /// Returns at the end, or at a signal. Prints each change of a fault.
+    /// Returns at `end` or at a signal. Prints each change of a fault.
     void run(Console &console);
 
 private:

@@ -14,8 +14,8 @@
 namespace velko
 {
 
-/// The driver library file: beside the program, one folder up (in a build tree) or, if installed,
-/// in the folder of libraries.
+/// Returns the path of the driver library file: in the folder of the program, in its parent folder
+/// (in a build tree) or, if installed, in the folder of libraries.
 std::string driverFile();
 
 /// --trace and --pcap.
@@ -24,15 +24,16 @@ class TapOptions
 public:
     explicit TapOptions(CLI::App &options);
 
+    /// True if --trace was given.
     bool isTraced() const { return m_isTraced; }
 
-    /// Begins the trace and the capture file. Throws std::runtime_error.
+    /// Starts the trace and the capture file. Throws std::runtime_error.
     void begin();
 
-    /// The taps that the options select; valid after begin, as long as this object.
+    /// Returns the taps that the options select, owned by this object. Call it after begin().
     std::vector<LineTap *> taps() const;
 
-    /// Throws std::runtime_error if the capture file is not complete.
+    /// Completes the capture file. Throws std::runtime_error if it is not complete.
     void finish();
 
 private:
@@ -48,6 +49,7 @@ class TalkOptions : public TapOptions
 public:
     explicit TalkOptions(CLI::App &options);
 
+    /// Path of the driver library file.
     const std::string &library() const { return m_library; }
 
 private:

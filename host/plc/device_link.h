@@ -7,7 +7,7 @@
 namespace velko
 {
 
-/// Creates the link and removes it at its destruction, unless it points elsewhere by then.
+/// Creates the link and removes it in its destructor, unless the link points elsewhere by then.
 class DeviceLink
 {
 public:
@@ -18,7 +18,7 @@ public:
     DeviceLink(const DeviceLink &) = delete;
     DeviceLink &operator=(const DeviceLink &) = delete;
 
-    /// False if the path is something other than a symbolic link, which must not be replaced.
+    /// True if nothing or a symbolic link has this path. Anything else must not be replaced.
     static bool isFree(const std::string &path);
 
 private:

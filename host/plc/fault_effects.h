@@ -1,5 +1,5 @@
-// What each fault does to a request and to its response. Names, numbers and help lines of the faults
-// are in faults.cpp. No function keeps state.
+// What each fault does to a request and to its response. Names, numbers and help lines of the
+// faults are in faults.cpp. No function keeps state.
 #pragma once
 
 #include "host/plc/faults.h"
@@ -14,14 +14,15 @@
 namespace velko
 {
 
-/// Response of a station whose fault prevents that it executes the request; an empty one: it does not
-/// respond. No value: the station executes the request.
+/// Returns the response of a station whose fault prevents the execution of the request; an empty
+/// one if the station does not respond. No value: the station executes the request.
 std::optional<QByteArray> responseWithoutExecution(const QByteArray &request, const Fault &fault);
 
-/// How much later than without the fault the response starts.
+/// Returns how much later the fault makes the response begin.
 std::chrono::milliseconds delayOf(const Fault &fault);
 
-/// What the station sends for a whole, correct response. `gap`: silent interval between two frames.
+/// Returns what the station sends instead of a complete, correct response. `gap`: silent interval
+/// between two frames.
 std::vector<Piece> piecesOf(const QByteArray &response, const Fault &fault,
                             std::chrono::nanoseconds gap);
 

@@ -21,13 +21,13 @@ struct TimedFault {
 class FaultSchedule
 {
 public:
-    /// Faults of the same time remain in the order in which they were added.
+    /// Adds a fault. Faults of the same time keep the order in which they were added.
     void add(const TimedFault &fault);
 
-    /// Removes the first fault whose time has come, if any.
+    /// Removes and returns the first fault that is due. No value: none is due.
     std::optional<TimedFault> takeDue(std::chrono::milliseconds elapsed);
 
-    /// Time of the next fault, if any.
+    /// Returns the time of the next fault. No value: there is none.
     std::optional<std::chrono::milliseconds> nextTime() const;
 
 private:

@@ -1,5 +1,5 @@
-// Faults of a simulated station: their names, numbers and help lines. What a fault does to a response
-// is in fault_effects.cpp.
+// Faults of a simulated station: their names, numbers and help lines. What a fault does to a
+// response is in fault_effects.cpp.
 #pragma once
 
 #include <string>
@@ -30,7 +30,7 @@ struct FaultHelp {
     std::string effect; ///< "response N ms late (0 to 60000 ms, default: 300 ms)"
 };
 
-/// Describes every fault, in the order in which a help text lists them.
+/// Describes every fault, in the order of the help text.
 std::vector<FaultHelp> faultHelp();
 
 } // namespace velko

@@ -1,4 +1,4 @@
-// How long bytes take on the simulated line.
+// Transmission times on the simulated line.
 #pragma once
 
 #include <chrono>
@@ -6,11 +6,11 @@
 namespace velko
 {
 
-/// Duration of one character of 11 bits: start bit, eight data bits, parity or a second stop bit,
-/// stop bit. Baud rate 0: no time at all.
+/// Returns the time of one character of 11 bits: start bit, 8 data bits, parity or a second stop
+/// bit, stop bit. Baud rate 0: no time.
 std::chrono::nanoseconds characterTime(int baudRate);
 
-/// Silent interval between two frames (t3.5).
+/// Returns the silent interval between two frames (t3.5).
 std::chrono::nanoseconds frameGap(int baudRate);
 
 } // namespace velko

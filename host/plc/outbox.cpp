@@ -10,11 +10,11 @@ namespace
 
 using std::chrono::nanoseconds;
 
-// At high baud rates several bytes are sent at once: the system cannot wake a thread up every few
-// microseconds.
+// At high baud rates several bytes are sent at once, because the system cannot wake a thread every
+// few microseconds.
 constexpr nanoseconds SHORTEST_STEP = std::chrono::milliseconds(1);
 
-// Bytes that a chunk has at most.
+// Maximum number of bytes of a chunk.
 int chunkSize(int size, nanoseconds character)
 {
     if (character.count() == 0)

@@ -17,8 +17,8 @@ struct Piece {
     QByteArray bytes;
 };
 
-/// Responses of several stations may overlap: as on a real line, stations that send at the same time
-/// damage each other's frames. Used by one thread.
+/// Responses of several stations may overlap. Then their bytes mix, as on a real line. Used by one
+/// thread.
 class Outbox
 {
 public:
@@ -30,17 +30,18 @@ public:
         QByteArray whole; ///< the whole piece if the chunk is its last one, otherwise empty
     };
 
-    /// Queues the pieces for sending from `begin` on, `character` for each byte. Returns when the last
-    /// byte is due.
+    /// Queues the pieces for sending from `begin` on. `character`: time of one byte. `entry`: of
+    /// the request in the request log. Returns the time at which the last byte is due.
     TimePoint add(TimePoint begin, const std::vector<Piece> &pieces,
                   std::chrono::nanoseconds character, uint64_t entry);
 
+    /// True if a chunk is due.
     bool hasDue(TimePoint now) const;
 
-    /// When the first chunk is due; `otherwise` if there is none.
+    /// Returns the time at which the first chunk is due; `otherwise` if there is none.
     TimePoint nextDue(TimePoint otherwise) const;
 
-    /// Removes the first chunk. There must be one.
+    /// Removes and returns the first chunk. There must be one.
     Chunk takeFirst();
 
 private:

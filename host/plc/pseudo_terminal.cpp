@@ -41,7 +41,7 @@ int openSlave(const std::string &device)
     return fd;
 }
 
-// Until the terminal is raw, it echoes and translates the bytes.
+// A terminal that is not raw echoes and translates the bytes.
 void makeRaw(int slave)
 {
     termios settings{};

@@ -9,14 +9,14 @@ namespace velko
 {
 
 /// Owns both ends. While it exists, a program that opens and closes the device does not hang up the
-/// line; after its destruction that program reads an end of file or EIO.
+/// line. After its destruction, a read of that program returns an end of file or EIO.
 class PseudoTerminal
 {
 public:
     /// Throws std::runtime_error.
     PseudoTerminal();
 
-    /// The end of the simulated PLC. Non-blocking.
+    /// The descriptor of the simulated PLC's end, owned by this object. Non-blocking.
     int master() const { return m_master.get(); }
 
     /// The path that a Modbus master opens.

@@ -1,4 +1,4 @@
-// The requests that a simulated line has seen.
+// The requests that a simulated line has received.
 #pragma once
 
 #include <QByteArray>
@@ -15,8 +15,8 @@ namespace velko
 /// A request as it arrived, to any station.
 struct SeenRequest {
     std::chrono::steady_clock::time_point arrival; ///< of its first byte
-    std::chrono::steady_clock::time_point end;     ///< when the last byte of the response was sent;
-                                                   ///< without a response, when it was processed
+    std::chrono::steady_clock::time_point end;     ///< of the last byte of the response;
+                                                   ///< without a response, of its processing
     QByteArray frame;
 };
 
@@ -24,20 +24,20 @@ struct SeenRequest {
 class RequestLog
 {
 public:
-    static const size_t MAX_REQUESTS = 100000; ///< beyond, the oldest requests are removed
+    static const size_t MAX_REQUESTS = 100000; ///< if there are more, the oldest are removed
 
     /// Returns the entry number of the request, for `noteEnd`.
     uint64_t add(std::chrono::steady_clock::time_point arrival, const QByteArray &frame);
 
-    /// Sets the end of the request to now, unless the request is removed already.
+    /// Sets the end of the request to now, unless it was removed.
     void noteEnd(uint64_t entry);
 
-    /// Oldest first.
+    /// Returns the requests, oldest first.
     std::vector<SeenRequest> requests() const { return {m_requests.begin(), m_requests.end()}; }
 
 private:
     std::deque<SeenRequest> m_requests;
-    uint64_t m_removed = 0; // number of entries
+    uint64_t m_removed = 0; // number of removed entries
 };
 
 } // namespace velko

@@ -26,20 +26,22 @@ public:
     /// The path that a master opens.
     const std::string &device() const { return m_terminal.device(); }
 
-    /// Returns true when bytes have arrived. Returns false when a byte of the outbox is due, when a
-    /// silent interval may have ended a request, or after 20 ms, so that the caller can stop.
+    /// Waits for bytes. Returns true if bytes have arrived. Returns false if a byte of the outbox
+    /// is due, if a silent interval may have ended a request, or after 20 ms, so that the caller
+    /// can stop.
     bool waitForInput() const;
 
-    /// Reads bytes up to the end of the present request; the next one remains in the terminal.
+    /// Reads bytes up to the end of the present request. The next request remains in the terminal.
     void read();
 
-    /// Removes the received request. An empty frame: it is not complete, or was an incomplete one
-    /// that a silent interval has ended. `hadInput`: the result of waitForInput.
+    /// Removes and returns the received request. Its frame is empty if the request is not complete
+    /// yet, or if a silent interval has ended it too early. `hadInput`: the result of waitForInput.
     Request takeRequest(bool hadInput);
 
-    /// Never blocks: if a master does not read, bytes are lost, as on any line.
+    /// Sends bytes. Never blocks: if a master does not read, bytes are lost.
     void send(const QByteArray &bytes) const;
 
+    /// The responses that wait, owned by this object.
     Outbox &outbox() { return m_outbox; }
 
 private:

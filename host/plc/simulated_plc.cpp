@@ -112,7 +112,7 @@ void SimulatedPlc::respond(SimulatedStation &station, const QByteArray &frame, T
     station.setBusyUntil(m_line->outbox().add(begin, pieces, character, entry));
 }
 
-// The lock ensures that a master that has the whole response finds its end in the log.
+// With the lock, a master that has the complete response finds its end in the log.
 void SimulatedPlc::sendDue()
 {
     while (m_line->outbox().hasDue(Clock::now())) {

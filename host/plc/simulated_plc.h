@@ -1,5 +1,5 @@
-// Simulated PLCs on one pseudo-terminal, for a host without a device. libmodbus handles their
-// protocol; the line, its timing and its faults are simulated here.
+// Simulated PLCs on one pseudo-terminal, for a host without a device. libmodbus handles the
+// protocol. The line, its timing and its faults are simulated here.
 #pragma once
 
 #include "host/core/line/line_tap.h"
@@ -25,10 +25,10 @@ class SimulatedStation;
 
 struct SimulatedLineSettings {
     std::vector<int> stations = {1}; ///< 1 to 247, all different
-    int baudRate = 0;    ///< requests and responses take their time on the line; 0: no time at all
-    bool echo = false;   ///< the line returns what the master sends, as some RS-485 adapters do
-    bool moving = false; ///< input registers 0 to 4 change with time
-    LineTaps taps;       ///< see requests as sent, and what the stations send as received
+    int baudRate = 0;                ///< transmission times are those of this baud rate; 0: no time
+    bool echo = false;               ///< the line echoes requests, as some RS-485 adapters do
+    bool moving = false;             ///< input registers 0 to 4 change with time
+    LineTaps taps; ///< for requests as sent, for responses as received; outlive the PLC
 };
 
 class SimulatedPlc
@@ -36,7 +36,7 @@ class SimulatedPlc
 public:
     /// Starts the slaves and their thread. Throws std::runtime_error.
     explicit SimulatedPlc(const SimulatedLineSettings &settings);
-    /// Stops them and hangs up: a master reads an end of file or EIO.
+    /// Stops them and hangs up. A read of a master then returns an end of file or EIO.
     ~SimulatedPlc();
     SimulatedPlc(const SimulatedPlc &) = delete;
     SimulatedPlc &operator=(const SimulatedPlc &) = delete;
@@ -44,20 +44,20 @@ public:
     /// The path that a master opens.
     QString device() const { return m_device; }
 
-    // The following functions may be called from any thread. They throw std::out_of_range for a
-    // station that is not simulated.
+    // Any thread may call the following functions. They throw std::out_of_range for a station that
+    // is not simulated.
 
     /// Sets the fault from the next request on and restarts the count of `every`.
     void setFault(int station, const Fault &fault);
 
-    /// Flips a bit of each echo from now on, as when two stations send at the same time.
+    /// `on`: inverts a bit of each later echo, as if two stations sent at the same time.
     void collide(bool on) { m_collide = on; }
 
-    /// Copies of the memory: register n, counted from 0, is at index n.
+    /// Return copies of the registers. Register n, counted from 0, is at index n.
     std::vector<uint16_t> inputRegisters(int station) const;
     std::vector<uint16_t> holdingRegisters(int station) const;
 
-    /// The last requests, oldest first; at most RequestLog::MAX_REQUESTS.
+    /// Returns the last requests, oldest first, at most RequestLog::MAX_REQUESTS.
     std::vector<SeenRequest> requests() const;
 
 private:
@@ -82,7 +82,7 @@ private:
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_collide{false};
 
-    std::unique_ptr<SimulatedLine> m_line; // used only by m_thread once that runs
+    std::unique_ptr<SimulatedLine> m_line; // used only by m_thread after its start
 
     mutable std::mutex m_mutex; // guards m_stations and m_log; never held while waiting
     std::vector<std::unique_ptr<SimulatedStation>> m_stations;

@@ -21,7 +21,7 @@ namespace
 
 const uint32_t LIBMODBUS_MICROSECONDS = 1000; // all bytes that it waits for have arrived already
 
-// libmodbus requires a serial device, but never opens it: it gets a socket instead.
+// libmodbus requires the name of a serial device, but uses the socket and never opens the device.
 modbus_t *newContext()
 {
     return modbus_new_rtu("unused", 19200, 'N', 8, 2);

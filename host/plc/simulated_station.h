@@ -1,4 +1,4 @@
-// One simulated slave: libmodbus and its registers, and the present fault.
+// One simulated slave: libmodbus, its registers and the present fault.
 #pragma once
 
 #include "host/plc/descriptors.h"
@@ -25,20 +25,22 @@ public:
 
     int number() const { return m_number; }
 
+    /// The registers, owned by this object.
     StationMemory &memory() { return m_memory; }
     const StationMemory &memory() const { return m_memory; }
 
     /// Sets the fault from the next request on and restarts the count of `every`.
     void setFault(const Fault &fault);
 
-    /// The fault that affects the next request. Call it once for each request.
+    /// Returns the fault that affects the next request. Call it once for each request.
     Fault nextFault();
 
-    /// Executes the request unless the fault prevents it. The frame has a correct CRC and the number
-    /// of this station or of a broadcast. Returns the correct response; empty: there is none.
+    /// Executes the request unless the fault prevents it. The frame has a correct CRC and the
+    /// number of this station or of a broadcast. Returns the correct response; empty if there is
+    /// none.
     QByteArray responseTo(const QByteArray &request, const Fault &fault);
 
-    /// A station sends one response after the other.
+    /// The time at which the last response ends. A station sends one response after the other.
     TimePoint busyUntil() const { return m_busyUntil; }
     void setBusyUntil(TimePoint end) { m_busyUntil = end; }
 

@@ -13,9 +13,8 @@ namespace velko
 class StationMemory
 {
 public:
-    /// Fills the registers with values that differ from register to register, between the two bytes
-    /// of a register, and from station to station. `position`: of the station in the list of
-    /// stations, from 0.
+    /// Fills the registers with values that differ between registers, between the two bytes of a
+    /// register, and between stations. `position`: of the station in the list of stations, from 0.
     explicit StationMemory(int position);
 
     /// Sets the moving input registers to their values at this time after the start.
@@ -32,7 +31,7 @@ private:
     std::vector<uint16_t> m_holding;
 };
 
-/// Lines of text that say what each register holds while values move.
+/// Describes the registers while values move, in lines of text.
 std::string registerMap();
 
 } // namespace velko

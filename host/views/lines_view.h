@@ -1,5 +1,5 @@
-// Prints a line when the state of a value changes and, at most once a second, when the value
-// changes; a summary at the end.
+// Prints a line when the state of a value changes and, at most once per second, when the value
+// changes. Prints a summary at the end.
 #pragma once
 
 #include "host/core/events/event.h"

@@ -53,8 +53,8 @@ LiveTable::~LiveTable()
     restoreTerminal();
 }
 
-// Restores the terminal before the last exchange ends: a second Ctrl-C may end the program
-// meanwhile.
+// Restores the terminal before the last exchange ends, because a second Ctrl-C may end the program
+// until then.
 void LiveTable::leave()
 {
     restoreTerminal();
@@ -68,7 +68,7 @@ void LiveTable::restoreTerminal()
     std::fputs(MAIN_SCREEN, stdout);
     std::fflush(stdout);
     if (::isatty(STDIN_FILENO) != 0)
-        ::tcflush(STDIN_FILENO, TCIFLUSH); // the shell must not get a line that was half typed
+        ::tcflush(STDIN_FILENO, TCIFLUSH); // the shell must not get an unfinished line
 }
 
 void LiveTable::report(const Event &event)
@@ -94,7 +94,7 @@ void LiveTable::finish(const Snapshot &snapshot)
         std::printf("%s\n", line.c_str());
 }
 
-// If the terminal has too few rows, values are left out first.
+// If the terminal has too few rows, values are omitted first.
 std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot, size_t rows,
                                             size_t columns) const
 {
@@ -116,7 +116,7 @@ std::vector<std::string> LiveTable::linesOf(const Snapshot &snapshot, size_t row
     return lines;
 }
 
-// The cursor returns to what the user types after each redraw.
+// After each redraw the cursor returns to the line that the user types.
 void LiveTable::show(const Snapshot &snapshot)
 {
     const TerminalSize size = terminalSize();

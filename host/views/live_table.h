@@ -31,7 +31,7 @@ private:
     std::vector<std::string> linesOf(const Snapshot &snapshot, size_t rows, size_t columns) const;
 
     bool m_isShown = true;              // on the alternate screen
-    std::deque<std::string> m_messages; // the latest
+    std::deque<std::string> m_messages; // the latest ones
     int m_promptRow = 0;
 };
 

@@ -1,4 +1,4 @@
-// The cost of a cyclic list as text.
+// The cyclic requests and their cost as text.
 #pragma once
 
 #include "host/core/links/link.h"

@@ -1,4 +1,4 @@
-// The interface of what `poll` shows.
+// The interface of the views of `poll`.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -9,19 +9,21 @@
 namespace velko
 {
 
+/// Used by one thread.
 class PollView
 {
 public:
     virtual ~PollView() = default;
 
-    /// Called several times a second.
+    /// Shows the values. Called several times per second.
     virtual void show(const Snapshot &snapshot) = 0;
+    /// Shows an event.
     virtual void report(const Event &event) = 0;
-    /// Shows what is neither a value nor an event: a reload, a line that was not understood.
+    /// Shows a message that is not an event, for example about a reload.
     virtual void note(const std::string &text) = 0;
-    /// Ends the calls of show. The exchanges that have begun still end, and their events follow.
+    /// Called after the last call of show. Events of the exchanges in progress may follow.
     virtual void leave() {}
-    /// Called last.
+    /// Shows the final values and the summary. Called last.
     virtual void finish(const Snapshot &snapshot) = 0;
 };
 

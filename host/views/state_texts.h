@@ -10,19 +10,19 @@
 namespace velko
 {
 
-/// False until the first attempt to read the variable: there is nothing to show before it.
+/// False before the first attempt to read the variable. There is nothing to show until then.
 bool isTried(const ValueRow &row);
 
-/// "2.5 s"; "-" without an age.
+/// Returns the age, for example "2.5 s"; "-" if the variable was never read.
 std::string ageText(const ValueState &state);
 
-/// "good"; the reason follows any other state: "stale: no answer".
+/// Returns the state, with its reason if it is not good: "good", "stale: no response".
 std::string stateText(const ValueState &state);
 
-/// The local time: "12:00:01.250".
+/// Returns the local time, for example "12:00:01.250".
 std::string timeText();
 
-/// "pump.speed = 5: failed: no answer"
+/// Returns, for example, "pump.speed = 5: failed: no response".
 std::string textOf(const Event &event);
 
 } // namespace velko

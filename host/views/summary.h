@@ -10,14 +10,14 @@
 namespace velko
 {
 
-/// The values under their headings. `width` as in TextTable.
+/// Returns the lines of the table of values. `width` as in TextTable.
 std::vector<std::string> valueTable(const Snapshot &snapshot, size_t width);
 
-/// The name of each link and a table of its stations, with response times in milliseconds and a
-/// column for collisions only if there was one. Exceptions follow with their names.
+/// Returns the name of each link and a table of its stations, with response times in milliseconds.
+/// The column for collisions is shown only if there was one. Exceptions follow with their names.
 std::vector<std::string> linkTables(const Snapshot &snapshot, size_t width);
 
-/// Both tables, and sentences on each station and on the values.
+/// Returns both tables, then a sentence for each station and one for the values.
 std::vector<std::string> summaryOf(const Snapshot &snapshot);
 
 } // namespace velko

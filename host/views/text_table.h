@@ -18,18 +18,19 @@ public:
     /// `row` has as many cells as there are headings.
     void add(const Row &row) { m_rows.push_back(row); }
 
-    /// Each column is as wide as its longest cell; lines have no trailing spaces. Columns move
-    /// closer together if they do not fit into `width` characters.
+    /// Returns the headings and the rows. Each column is as wide as its longest cell. If the
+    /// columns do not fit into `width` characters, the space between them is smaller. Lines have no
+    /// trailing spaces.
     std::vector<std::string> lines(size_t width = 1000) const;
 
 private:
     std::vector<Row> m_rows;
 };
 
-/// Approximate number of columns that a UTF-8 text takes on a terminal.
+/// Returns the approximate number of columns of a UTF-8 text on a terminal.
 size_t widthOf(const std::string &text);
 
-/// The first `width` characters; the last one is "~" if the text is longer.
+/// Returns at most `width` characters of the text. If it is longer, the last one is "~".
 std::string leftOf(const std::string &text, size_t width);
 
 /// Splits the text into pieces of at most `width` characters.

@@ -17,7 +17,7 @@ namespace velko
 class TraceTap : public LineTap
 {
 public:
-    /// `stream` outlives the tap.
+    /// `stream` is the caller's and outlives the tap.
     explicit TraceTap(std::FILE *stream) : m_stream(stream) {}
 
     void sent(const std::string &link, const QByteArray &frame) override;

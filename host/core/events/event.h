@@ -1,4 +1,4 @@
-// What a link reports besides values: results of writes, stations and the port.
+// Events of a link: results of writes, and changes of stations and of the port.
 #pragma once
 
 #include "host/core/events/verdict.h"
@@ -25,26 +25,27 @@ struct Event {
     };
 
     State state = WRITE_DONE;
-    std::string link;
-    std::string name;   ///< the variable, the station's number or the device
-    std::string value;  ///< of a write, as it was given
+    std::string link;   ///< name of the link
+    std::string name;   ///< the variable, the station number or the device
+    std::string value;  ///< of a write, as the user wrote it
     std::string detail; ///< the reason, or what happens next
-    /// Of a write that failed, or that was refused because of the line. GOOD if the write itself was
-    /// the reason.
+    /// Why a write failed, or was refused because of the line. GOOD in all other cases, for example
+    /// if a value is refused.
     Verdict::Kind cause = Verdict::GOOD;
-    int write = 0; ///< number of the write, as LinkSession returned it
+    int write = 0; ///< number of the write, as LinkSession::write returned it; 0 for other events
 };
 
 Event::Kind kindOf(Event::State state);
 
-/// "done", "failed", "queued again", "offline" and so on: short, and stable for scripts.
+/// Returns "done", "failed", "queued again", "offline" and so on. Scripts depend on these names.
 const char *nameOf(Event::State state);
 
-/// Receives a link's events on its communication thread. An implementation returns quickly.
+/// Receives events of a link.
 class EventSink
 {
 public:
     virtual ~EventSink() = default;
+    /// Called on the communication thread of the link. Must return quickly.
     virtual void receive(const Event &event) = 0;
 };
 

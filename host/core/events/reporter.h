@@ -1,4 +1,4 @@
-// Events of one link, on their way to whoever wants to know.
+// Passes the events of one link to a sink.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -8,11 +8,11 @@
 namespace velko
 {
 
-/// Adds the link's name. Communication thread.
+/// Adds the name of the link. Used on the communication thread.
 class Reporter
 {
 public:
-    /// The sink is the caller's and outlives this.
+    /// `sink` is the caller's and outlives this object.
     Reporter(const std::string &link, EventSink &sink) : m_link(link), m_sink(sink) {}
 
     void report(Event event) const

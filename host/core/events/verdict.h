@@ -1,4 +1,4 @@
-// The result of one exchange, in words and for counting.
+// The result of one exchange.
 #pragma once
 
 #include "host/core/line/serial_line.h"
@@ -18,20 +18,20 @@ struct Verdict {
         EXCEPTION,
         COLLISION,
         PORT_GONE,
-        NOT_SENT ///< nothing was tried
+        NOT_SENT ///< no frame was sent
     };
 
     Verdict() = default;
     explicit Verdict(Kind itsKind, std::string itsText = std::string());
 
     Kind kind = NOT_SENT;
-    int exception = 0;    ///< its code
-    bool repeats = false; ///< failed, and the driver will ask for the frame again
+    int exception = 0;    ///< exception code, for EXCEPTION
+    bool repeats = false; ///< it failed, and the driver will repeat the frame
     std::string text;     ///< "good", "no response", "exception 2 (illegal data address)", ...
 };
 
-/// `resultCode` is the driver's judgement of the exchange. Where it says no more than "failed", the
-/// reason is read off the reply.
+/// `resultCode`: one of RESULT_..., as DataCom returned it for the exchange. The reason of a
+/// failure is found in the response.
 Verdict verdictOn(const Protocol &request, const Exchange &exchange, int resultCode);
 
 } // namespace velko

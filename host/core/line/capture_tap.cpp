@@ -10,8 +10,8 @@ namespace velko
 namespace
 {
 
-const int LINK_TYPE = 147;
-const int LONGEST_RECORD = 65535;
+const int LINK_TYPE = 147;        // the first one for private use
+const int LONGEST_RECORD = 65535; // bytes
 
 } // namespace
 

@@ -14,7 +14,8 @@
 namespace velko
 {
 
-/// Link type 147, the first one for private use, because Modbus RTU has none. Options for tshark:
+/// Modbus RTU has no link type of its own, so the file has the first one for private use, 147. Options
+/// for tshark:
 ///   -o 'uat:user_dlts:"User 0 (DLT=147)","mbrtu","0","","0",""'
 class CaptureTap : public LineTap
 {
@@ -28,7 +29,7 @@ public:
     /// Flushes the file.
     void judged(const std::string &link, const std::string &verdict) override;
 
-    /// Throws std::runtime_error if the file is not complete.
+    /// Flushes the file. Throws std::runtime_error if it is not complete. Any thread.
     void finish();
 
 private:

@@ -1,5 +1,5 @@
-// The CRC of a frame. The driver checks the responses that it judges; the host checks exception
-// responses and frames of other stations, and the simulated PLC makes faults with it.
+// The CRC of a frame. The driver checks the CRC of a response. The host needs the CRC of exception
+// responses, of frames of other stations and of simulated frames.
 #pragma once
 
 #include <QByteArray>
@@ -7,7 +7,7 @@
 namespace velko
 {
 
-/// The two bytes as on the line, low byte first.
+/// Returns the two bytes of the CRC in their order on the line, low byte first.
 QByteArray crc16(const QByteArray &bytes);
 
 /// True if the last two bytes are the CRC of the bytes before them.

@@ -1,4 +1,4 @@
-// Observes a line. The trace and the capture file are taps.
+// Observers of a line, for example the trace and the capture file.
 #pragma once
 
 #include <QByteArray>
@@ -9,21 +9,23 @@
 namespace velko
 {
 
-/// Called on the communication thread, immediately. Several lines may share one tap, so an
-/// implementation has its own lock.
+/// Each function is called on the communication thread of the link that `link` names, directly
+/// after its event. Several links may share one tap, so an implementation needs a lock.
 class LineTap
 {
 public:
     virtual ~LineTap() = default;
+    /// The bytes of a request.
     virtual void sent(const std::string &link, const QByteArray &frame) = 0;
+    /// The bytes of a response, not empty.
     virtual void received(const std::string &link, const QByteArray &reply) = 0;
-    /// Bytes that do not belong to a response.
+    /// Received bytes that do not belong to the response, not empty.
     virtual void dropped(const std::string &link, const QByteArray &bytes) = 0;
-    /// The result of the exchange.
+    /// The result of the exchange, in words.
     virtual void judged(const std::string &link, const std::string &verdict) = 0;
 };
 
-/// The taps of one link. Each tap outlives this object.
+/// Calls every tap of one link. The taps are the caller's and outlive this object.
 struct LineTaps {
     std::string link;
     std::vector<LineTap *> taps;

@@ -12,14 +12,16 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
-/// Transmission time of characters with start bit, 8 data bits, parity and stop bits.
+/// Returns the transmission time of `characters` characters, each with a start bit, 8 data bits,
+/// parity and stop bits.
 microseconds wireTime(const LineSettings &settings, int characters);
 
-/// The frame gap (t3.5): 3.5 characters of 11 bits, 1.750 ms above 19,200 baud, or minFrameGap if
-/// that is longer.
+/// Returns the frame gap (t3.5): 3.5 characters of 11 bits, or 1.750 ms above 19,200 baud;
+/// minFrameGap if that is longer.
 microseconds frameGap(const LineSettings &settings);
 
-/// The inter-character timeout in milliseconds: at least two characters.
+/// Returns the inter-character timeout in milliseconds: the setting, or two characters if they take
+/// longer.
 int interCharacterTimeout(const LineSettings &settings);
 
 /// Milliseconds from now, rounded up; 0 if the moment has passed.

@@ -6,6 +6,7 @@
 namespace velko
 {
 
+/// The message contains the device and the reason.
 class PortError : public std::runtime_error
 {
 public:

@@ -52,13 +52,13 @@ AdapterIdentity identityOf(const std::string &device)
 std::string findPort(const std::vector<std::string> &devices, const AdapterIdentity &lastSeen)
 {
     for (const std::string &name : devices) {
-        // As a name first: a name may contain characters that are special in patterns.
+        // A name may contain characters that are special in patterns.
         const std::string device =
             QFileInfo::exists(QString::fromStdString(name)) ? name : firstMatch(name);
         if (!device.empty())
             return target(device);
     }
-    // An adapter with several ports has one serial number for all of them, which identifies none.
+    // The ports of one adapter have the same serial number, which then identifies none of them.
     std::vector<std::string> found;
     for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts())
         if (isSame(identityOf(info), lastSeen))

@@ -7,20 +7,21 @@
 namespace velko
 {
 
-/// Identifies an adapter; empty for a port without identification (an on-board UART, a
-/// pseudo-terminal).
+/// Identifies a USB adapter. `serialNumber` is empty for a port without one, for example an
+/// on-board UART or a pseudo-terminal.
 struct AdapterIdentity {
     std::string serialNumber;
     int vendor = 0;
     int product = 0;
 };
 
-/// `device` exists.
+/// Returns an empty identity if `device` has none.
 AdapterIdentity identityOf(const std::string &device);
 
 /// Returns the device of the first name or pattern ("/dev/ttyUSB*") that exists. If none exists,
-/// returns the present device of the adapter `lastSeen`, which may have another number after it was
-/// unplugged. Empty if there is neither. Each call follows symbolic links again.
+/// returns the present device of the adapter `lastSeen`, because an adapter may get another number
+/// when it is plugged in again. Returns an empty text if there is neither. Symbolic links are
+/// followed.
 std::string findPort(const std::vector<std::string> &devices, const AdapterIdentity &lastSeen);
 
 } // namespace velko

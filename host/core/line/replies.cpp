@@ -23,7 +23,7 @@ int byteAt(const QByteArray &bytes, int index)
 int frameLength(const QByteArray &bytes)
 {
     if (bytes.size() < 2)
-        return EXCEPTION_BYTES; // the shortest there is
+        return EXCEPTION_BYTES; // the shortest frame
     const int function = byteAt(bytes, 1);
     if ((function & EXCEPTION_FLAG) != 0)
         return EXCEPTION_BYTES;

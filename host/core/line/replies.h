@@ -1,4 +1,4 @@
-// Reads fields of frames. The driver decides whether a response is good.
+// Fields of response frames. The driver decides whether a response is good.
 #pragma once
 
 #include <QByteArray>
@@ -11,17 +11,17 @@ namespace velko
 const int EXCEPTION_BYTES = 5;     // station, function, code, CRC
 const int READ_OVERHEAD_BYTES = 5; // station, function, byte count, CRC
 
-/// 0 to 255.
+/// Returns 0 to 255. `index` is within `bytes`.
 int byteAt(const QByteArray &bytes, int index);
 
-/// Length of the response frame that begins with `bytes`. While there are too few bytes to know it,
-/// a length greater than their number; 0 for an unknown function.
+/// Returns the length in bytes of the response frame that begins with `bytes`, or 0 for an unknown
+/// function. If there are too few bytes, returns a length greater than their number.
 int frameLength(const QByteArray &bytes);
 
 /// True if `reply` is a complete exception response to the request, with its CRC.
 bool isExceptionTo(const QByteArray &request, const QByteArray &reply);
 
-/// `reply` is an exception response.
+/// Returns the code of an exception response, 0 to 255.
 int exceptionCode(const QByteArray &reply);
 
 /// "exception 2 (illegal data address)"

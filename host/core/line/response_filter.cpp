@@ -37,8 +37,8 @@ bool ResponseFilter::isComplete() const
         return false;
     if (isException())
         return true;
-    // A longer frame of this station and function may be a late response to another request: wait
-    // for its end.
+    // A longer frame of this station and function may be a late response to another request. Its
+    // end decides.
     return m_bytes.size() >= m_responseLength
            && (m_bytes.size() >= frameLength(m_bytes)
                || endsInItsCrc(m_bytes.left(m_responseLength)));
@@ -76,7 +76,8 @@ bool ResponseFilter::isException() const
     return isExceptionTo(m_request, m_bytes.left(EXCEPTION_BYTES));
 }
 
-// The response to a write names its registers; the response to a read has only a length.
+// The response to a write contains its register addresses. The response to a read can only be
+// recognised by its length.
 bool ResponseFilter::fitsRequest(int length) const
 {
     const int function16 = 16;

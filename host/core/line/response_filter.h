@@ -7,24 +7,25 @@ namespace velko
 {
 
 /// Drops all bytes that do not belong to the response: frames of other stations and functions, late
-/// responses of another length or, after a write, of other registers, and noise. A response that
-/// the driver will reject (wrong CRC, truncated) is a response here.
+/// responses of another length or, after a write, of other registers, and noise. Keeps a response
+/// with a wrong CRC and a truncated one, which the driver rejects. Used by one thread.
 class ResponseFilter
 {
 public:
-    /// `responseLength`: bytes of a good response, at least 5.
+    /// `request`: at least station and function. `responseLength`: bytes of a good response, at
+    /// least 5.
     ResponseFilter(const QByteArray &request, int responseLength);
 
+    /// Adds received bytes.
     void add(const QByteArray &bytes);
 
-    /// Called after an inter-character timeout: bytes that looked like the beginning of another
-    /// station's frame are not one.
+    /// Ends an incomplete frame of another station. Called after an inter-character timeout.
     void gap();
 
     /// True if the first byte of the response is received.
     bool hasBegun() const;
 
-    /// True for a complete response or exception response: no more bytes are expected.
+    /// True if a complete response or exception response is received.
     bool isComplete() const;
 
     /// The response as far as it is received; empty if it has not begun.
@@ -33,7 +34,8 @@ public:
     /// Returns the bytes dropped since the last call.
     QByteArray takeDropped();
 
-    /// Returns the bytes after the response, or all bytes if it has not begun. The last call.
+    /// Returns the bytes after the response, or all bytes if it has not begun. Must be the last
+    /// call.
     QByteArray takeRest();
 
 private:

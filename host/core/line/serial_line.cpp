@@ -13,7 +13,7 @@ namespace
 const int MAX_DISCARDS = 100;
 
 const int LONGEST_FRAME = 256; // bytes
-const int MAX_BATCHES = 10;    // into which a USB adapter splits a frame
+const int MAX_BATCHES = 10;    // in which a USB adapter delivers a frame
 
 } // namespace
 
@@ -46,7 +46,7 @@ Exchange SerialLine::exchange(const QByteArray &frame, int replyLength)
     return exchange;
 }
 
-// Drops the bytes received since the last exchange; the frame gap begins after them.
+// Drops the bytes received since the last exchange. The frame gap begins after them.
 void SerialLine::awaitFrameGap()
 {
     for (int i = 0; i < MAX_DISCARDS; ++i) {
@@ -58,7 +58,7 @@ void SerialLine::awaitFrameGap()
     }
 }
 
-// The system accepts the bytes at once; the line takes longer to send them.
+// The system accepts the bytes at once. The line takes longer to send them.
 void SerialLine::send(const QByteArray &frame)
 {
     m_taps.sent(frame);
@@ -127,7 +127,7 @@ void SerialLine::awaitResponse(ResponseFilter &filter, Clock::time_point deadlin
     }
 }
 
-// Receives the rest of the response. The time is limited, for a line that is never silent.
+// Receives the rest of the response. The time limit is for a line that is never silent.
 void SerialLine::collectRest(ResponseFilter &filter, Clock::time_point deadline)
 {
     const int pause = interCharacterTimeout(m_settings);
@@ -138,12 +138,12 @@ void SerialLine::collectRest(ResponseFilter &filter, Clock::time_point deadline)
         if (bytes.isEmpty())
             return;
         filter.add(bytes);
-        if (!filter.hasBegun()) // it was a late response to another request
+        if (!filter.hasBegun()) // the bytes were a late response to another request
             awaitResponse(filter, deadline);
     }
 }
 
-// A response after the timeout would be taken for the response to the next request.
+// Drops late responses: a late response would be mistaken for the response to the next request.
 void SerialLine::keepGuardTime()
 {
     const milliseconds guard(m_settings.guardTime.value_or(m_settings.responseTimeout));

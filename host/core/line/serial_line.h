@@ -1,4 +1,4 @@
-// The serial line: one request and its response at a time, with the frame gaps between them.
+// A serial line: one request and its response at a time, with the frame gaps between them.
 #pragma once
 
 #include "host/core/line/line_settings.h"
@@ -17,33 +17,35 @@ namespace velko
 
 struct Exchange {
     enum Outcome {
-        COMPLETE,  ///< a complete response or exception response
-        TRUNCATED, ///< a truncated response
-        NO_RESPONSE,
-        COLLISION, ///< the echo differs from the request: another device sent at the same time
-        NO_ECHO
+        COMPLETE,    ///< a complete response or exception response
+        TRUNCATED,   ///< a response without its last bytes
+        NO_RESPONSE, ///< no byte of a response
+        COLLISION,   ///< the echo differs from the request: another device sent at the same time
+        NO_ECHO      ///< an adapter that should echo each request did not
     };
 
     Outcome outcome = NO_RESPONSE;
-    QByteArray reply; ///< for the driver's judgement
-    microseconds responseTime =
-        {};              ///< from the last byte of the request to the first of the response
+    QByteArray reply; ///< the response, for DataCom; empty if there is none
+    /// From the last byte of the request to the first byte of the response; 0 if there is none.
+    microseconds responseTime = {};
     bool isQuiet = true; ///< no byte was received
 };
 
+/// The thread that constructs the line uses it.
 class SerialLine
 {
 public:
-    /// Opens the port; `lastSeen` as in findPort. `taps` outlives the line. The same thread opens
-    /// and uses the line. Throws PortError.
+    /// Opens the port; `lastSeen` as in findPort. `taps` is the caller's and outlives the line.
+    /// Throws PortError.
     SerialLine(const LineSettings &settings, const LineTaps &taps,
                const AdapterIdentity &lastSeen = {});
 
-    /// Waits for the frame gap, sends the frame and receives a response of `replyLength` bytes (at
-    /// least 5). After a missing or truncated response it returns at the end of the guard time.
-    /// Throws PortError.
+    /// Waits for the frame gap, sends the frame and receives a response. `replyLength`: bytes of a
+    /// good response, at least 5. If the response is missing or truncated, returns after the guard
+    /// time. Throws PortError.
     Exchange exchange(const QByteArray &frame, int replyLength);
 
+    /// The device that is open.
     const std::string &device() const { return m_port.device(); }
 
 private:
@@ -59,7 +61,7 @@ private:
     const LineSettings m_settings;
     const LineTaps &m_taps;
     SerialPort m_port;
-    Clock::time_point m_lastByte; // on the line, in either direction
+    Clock::time_point m_lastByte; // sent or received
     bool m_hasReceived = false;   // since the request was sent
 };
 

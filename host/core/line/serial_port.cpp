@@ -31,7 +31,7 @@ QSerialPort::Parity parityOf(char letter)
     }
 }
 
-// It has no parity, and some functions of the system fail if parity is set.
+// A pseudo-terminal has no parity. Some functions of the system fail if parity is set.
 bool isPseudoTerminal(const std::string &device)
 {
     const unsigned first = 136; // of the major device numbers for pseudo-terminals
@@ -81,7 +81,7 @@ void SerialPort::configure(const LineSettings &settings)
     m_port.setStopBits(settings.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
 }
 
-// The kernel switches the direction after the last bit; a program would be too late.
+// The kernel switches the direction directly after the last bit. A program is too late for that.
 void SerialPort::setDirectionControl(Rs485 mode)
 {
     if (mode == Rs485::OFF)
@@ -101,7 +101,7 @@ void SerialPort::write(const QByteArray &bytes)
 {
     if (m_port.write(bytes) != bytes.size())
         fail("does not accept a frame: " + m_port.errorString().toStdString());
-    // Most often the system accepts all bytes at once. A full buffer is not an error yet.
+    // A full buffer is not an error: the loop waits for room.
     if (!m_port.flush())
         m_port.clearError();
     while (m_port.bytesToWrite() > 0)

@@ -1,4 +1,4 @@
-// An open serial port, whose errors are PortError.
+// An open serial port.
 #pragma once
 
 #include "host/core/line/line_settings.h"
@@ -12,17 +12,18 @@
 namespace velko
 {
 
+/// The thread that constructs the port uses it.
 class SerialPort
 {
 public:
-    /// Opens the port; `lastSeen` as in findPort. The same thread opens and uses it. Throws
-    /// PortError with the device, the reason and advice.
+    /// Opens the port; `lastSeen` as in findPort. Throws PortError with the device, the reason and
+    /// advice.
     explicit SerialPort(const LineSettings &settings, const AdapterIdentity &lastSeen = {});
 
     /// The device that is open.
     const std::string &device() const { return m_device; }
 
-    /// Returns when the system has accepted all bytes. Throws PortError.
+    /// Sends the bytes. Returns when the system has accepted all of them. Throws PortError.
     void write(const QByteArray &bytes);
 
     /// Returns the bytes received so far, or the first ones within `timeout` milliseconds; empty if

@@ -61,7 +61,7 @@ std::string Fields::requiredAddress(const std::string &key) const
     const toml::node *const node = m_table.get(key);
     if (node && node->is_integer())
         return std::to_string(node->value_or<int64_t>(0));
-    // As a number, 3.10 and 3.1 would be the same.
+    // As numbers, 3.10 and 3.1 are equal.
     if (node && node->is_floating_point())
         fail(key, "write the address of a bit in quotes");
     return requiredText(key);

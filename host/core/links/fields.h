@@ -1,4 +1,4 @@
-// Reads and checks the keys of one table of a TOML file.
+// The keys of one table of a TOML file, read and checked.
 #pragma once
 
 #include "host/core/links/file_error.h"
@@ -13,14 +13,17 @@
 namespace velko
 {
 
+/// Used by one thread.
 class Fields
 {
 public:
-    /// `path` and `table` outlive this object. Throws FileError for a key that is not in `known`.
+    /// `path` and `table` are the caller's and outlive this object. `title` names the table in
+    /// messages. Throws FileError for a key that is not in `known`.
     Fields(const std::string &path, const toml::table &table, const std::string &title,
            const std::vector<std::string> &known);
 
-    // All of them throw FileError for a value of a wrong type or out of range.
+    // Each function throws FileError if the value has a wrong type, is out of range, or is required
+    // and missing. A key that is not required: returns no value or `otherwise` if it is missing.
 
     std::optional<std::string> text(const std::string &key) const;
     std::string requiredText(const std::string &key) const;
@@ -33,14 +36,16 @@ public:
                   size_t otherwise) const;
     int number(const std::string &key, int lowest, int highest, int otherwise) const;
     std::optional<int> number(const std::string &key, int lowest, int highest) const;
-    /// Reads milliseconds, with or without a fraction, and returns microseconds.
+    /// Reads milliseconds, with or without a fraction. Returns microseconds; 0 if the key is
+    /// missing.
     int microseconds(const std::string &key, int highestMilliseconds) const;
     bool flag(const std::string &key, bool otherwise) const;
+    /// Returns a list of tables, owned by the table.
     const toml::array &requiredTables(const std::string &key) const;
 
-    /// Reports an error at a key, or at the table if the key is missing.
+    /// Throws FileError at a key, or at the table if the key is missing.
     [[noreturn]] void fail(const std::string &key, const std::string &reason) const;
-    /// Reports an error at an element of a list of tables.
+    /// Throws FileError at an element of a list of tables.
     [[noreturn]] void failAt(const std::string &key, size_t index, const std::string &reason) const;
 
 private:
@@ -49,7 +54,7 @@ private:
     std::string m_title;
 };
 
-/// "PATH:LINE:COLUMN: reason"
+/// Returns an error with the message "PATH:LINE:COLUMN: reason".
 FileError errorAt(const std::string &path, const toml::source_region &place,
                   const std::string &reason);
 

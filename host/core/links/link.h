@@ -1,4 +1,4 @@
-// A link: one serial line, its settings and its variables.
+// A link: one serial line with its settings and its variables.
 #pragma once
 
 #include "host/core/line/line_settings.h"
@@ -13,15 +13,16 @@ namespace velko
 struct Link {
     std::string name;
     LineSettings line;
-    int maxRegs = 100;           ///< registers per request, at most
-    int retries = 2;             ///< before a request is given up
+    int maxRegs = 100;           ///< maximum number of registers per request
+    int retries = 2;             ///< of a request before it is given up
     bool ownFailuresOnly = true; ///< failures of other requests do not count as retries
-    int queueAgain = 0;          ///< times that a given-up write is queued again before it fails
+    int queueAgain = 0;          ///< how many times a given-up write is queued again
     int staleAfter = 5000;       ///< milliseconds after which a value is stale
     std::vector<Variable> variables;
 
+    /// True if a variable can be written.
     bool isWritten() const;
-    /// Station numbers, ascending, each once.
+    /// Returns the station numbers of the variables in ascending order, without duplicates.
     std::vector<int> stations() const;
 };
 

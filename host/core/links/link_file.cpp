@@ -26,7 +26,7 @@ const std::vector<std::string> linkKeys = {
 const std::vector<std::string> variableKeys = {"name",   "station", "kind",  "address",
                                                "format", "count",   "access"};
 
-// In a write a name ends at "=", and in the output at a space.
+// A name ends at "=" in a write and at a space in the output.
 std::string readName(const Fields &fields, const char *what, std::set<std::string> &known)
 {
     std::string name = fields.requiredText("name");
@@ -155,8 +155,8 @@ private:
                             + std::to_string(HIGHEST_MAX_REGS_WRITING));
     }
 
-    // Of two queued writes to one target the driver keeps only the newer one and its name: the
-    // result of the other one would never be reported.
+    // The driver keeps only the newer one of two queued writes to a target. The result of the other
+    // one would never be reported.
     static void checkTargets(const Fields &fields, const Link &link)
     {
         std::map<WriteTarget, std::string> names;

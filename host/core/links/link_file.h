@@ -1,4 +1,4 @@
-// Reads the file of links and variables, which is TOML.
+// The file of links and variables, in TOML.
 #pragma once
 
 #include "host/core/links/link.h"
@@ -9,7 +9,8 @@
 namespace velko
 {
 
-/// Returns at least one link, each with at least one variable. Throws FileError.
+/// Reads and checks the file. Returns at least one link, each with at least one variable. Throws
+/// FileError.
 std::vector<Link> readLinkFile(const std::string &path);
 
 } // namespace velko

@@ -11,7 +11,7 @@ namespace velko
 std::unique_ptr<DriverLibrary> loadDriverCopy(const std::string &path)
 {
     checkDriverFile(path);
-    // Once loaded, the file needs no name: the folder is removed at the end of this function.
+    // A loaded file needs no name: the folder is removed at the end of this function.
     const QTemporaryDir folder;
     const QString copy = folder.filePath(QStringLiteral("driver.so"));
     if (!folder.isValid() || !QFile::copy(QString::fromStdString(path), copy))

@@ -11,7 +11,7 @@ namespace velko
 {
 
 /// Copies the file to the system's temporary folder, loads the copy and removes it.
-/// Throws std::runtime_error.
+/// Never returns null. Throws std::runtime_error with the reason.
 std::unique_ptr<DriverLibrary> loadDriverCopy(const std::string &path);
 
 } // namespace velko

@@ -8,22 +8,24 @@
 namespace velko
 {
 
-/// Throws std::runtime_error for a file that cannot be the driver: it is missing or truncated, or
-/// its path has no "/".
+/// Throws std::runtime_error if the file cannot be the driver library file: it is missing, it is
+/// truncated, or its path has no "/".
 void checkDriverFile(const std::string &path);
 
 /// A loaded copy of the driver and its entry points. One copy drives one serial line.
 class DriverLibrary
 {
 public:
-    /// Loads the file. `path` must contain a "/": the loader looks up a bare name among the
-    /// libraries that are already loaded. Throws std::runtime_error with the reason.
+    /// Loads the file. `path` must contain a "/", because the loader looks for a bare name among
+    /// the libraries that are already loaded. `dlopenFlags` are added to RTLD_NOW. Throws
+    /// std::runtime_error with the reason.
     explicit DriverLibrary(const std::string &path, int dlopenFlags = 0);
     ~DriverLibrary();
     DriverLibrary(const DriverLibrary &) = delete;
     DriverLibrary &operator=(const DriverLibrary &) = delete;
 
-    /// Address of any exported name. Throws std::runtime_error if there is none.
+    /// Returns the address of an exported name, never null. Throws std::runtime_error if the file
+    /// does not export it.
     void *symbol(const char *name) const;
 
 private:
@@ -36,7 +38,7 @@ private:
     void *m_handle;
 
 public:
-    // Each is documented in velko_modbus_rtu.h.
+    // Entry points. velko_modbus_rtu.h documents each of them and the threads that may call it.
     const decltype(&::SetComInfo) SetComInfo;
     const decltype(&::RegistCallBackFuncIntf) RegistCallBackFuncIntf;
     const decltype(&::FlashLocalRegister) FlashLocalRegister;

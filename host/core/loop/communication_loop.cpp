@@ -9,7 +9,7 @@ namespace velko
 namespace
 {
 
-// Each turn without a port gives up a write, or a read between two bursts of writes.
+// Without a port, each turn gives up a write, or a read between two bursts of writes.
 const int MAX_CLEARING_TURNS = 4 * LIMIT_QUEUE_ENTRIES;
 
 RegisterSpan spanOf(const RW_VAR &request)
@@ -61,7 +61,7 @@ void CommunicationLoop::load(const Link &link, const std::vector<PlannedRequest>
     m_cycle.load(plan);
 }
 
-// A read that is being repeated although its station is no longer asked.
+// Gives up a read in progress if its station is offline or has no variables any more.
 void CommunicationLoop::giveUpUnwanted()
 {
     if (!m_isInProgress)
@@ -81,8 +81,8 @@ bool CommunicationLoop::write(const WriteOrder &order)
     return isQueued;
 }
 
-// A write that waited for a station or for the port would be carried out minutes later, when nobody
-// expects it. And the driver does not keep the order of requests to a disabled station.
+// A write that waits for a station or for the port would be executed minutes later, unexpectedly.
+// And the driver does not keep the order of requests to a disabled station.
 Verdict CommunicationLoop::obstacleTo(const Variable &variable) const
 {
     if (!isOpen())
@@ -147,7 +147,7 @@ void CommunicationLoop::close(const std::string &why)
     clearWrites(Verdict::NOT_SENT, why);
 }
 
-// Of the request in progress nobody knows whether it was carried out. The others never go out.
+// The request in progress may have been executed. The other ones are never sent.
 void CommunicationLoop::clearWrites(Verdict::Kind kind, const std::string &why)
 {
     m_stations.restartProbes();
@@ -185,7 +185,8 @@ void CommunicationLoop::noteWrites(const std::vector<EndedWrite> &ended)
     const Verdict written(Verdict::GOOD);
     const Verdict notWritten(Verdict::NOT_SENT, "a write failed, and it was not read since");
     for (const EndedWrite &write : ended) {
-        // The store shows what was to be written. For a value that is read, the next read decides.
+        // The store shows the value of the write, even if it failed. For a variable that is read,
+        // the next read decides.
         if (!write.isDone || !write.variable.isRead())
             m_status.readEnded(write.variable.station, registersOf(write.variable),
                                write.isDone ? written : notWritten);

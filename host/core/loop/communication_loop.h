@@ -1,5 +1,5 @@
-// The communication loop of one link: sends what the driver asks for, hands it what comes back, and
-// draws the consequences of each verdict.
+// The communication loop of one link: sends the driver's requests, passes it the responses, and
+// acts on each verdict.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -28,43 +28,45 @@
 namespace velko
 {
 
-/// One thread, the communication thread, opens the port and uses the loop. Other threads may call what
-/// stands under "Any thread".
+/// One thread, the communication thread, opens the port and uses the loop. Other threads may call
+/// only the functions under "Any thread".
 class CommunicationLoop
 {
 public:
-    /// Loads a copy of the driver. `taps` and `sink` are the caller's and outlive the loop. Throws
-    /// std::runtime_error.
+    /// Loads a copy of the driver. `plan`: the requests for the variables of the link. `taps` and
+    /// `sink` are the caller's and outlive the loop. Throws std::runtime_error.
     CommunicationLoop(const std::string &libraryFile, const Link &link,
                       const std::vector<PlannedRequest> &plan, const std::vector<LineTap *> &taps,
                       EventSink &sink);
 
     /// Opens the port. Throws PortError.
     void open();
-    /// None: the port is open. Otherwise the pause before the next attempt.
+    /// Tries to open the port. Returns no value if it is open, otherwise the pause before the next
+    /// attempt.
     std::optional<milliseconds> reopen();
     bool isOpen() const { return m_port.isOpen(); }
-    /// Closes the port. Reports queued writes as failed for this reason.
+    /// Closes the port. Reports queued writes as failed, with `why` as the reason.
     void close(const std::string &why);
 
-    /// Replaces the variables, their requests and the link's settings. Queued writes and stored values
-    /// stay, unless the port's settings change. Only between two turns.
+    /// Replaces the variables, their requests and the link's settings. Queued writes and stored
+    /// values are kept, unless the settings of the line change. Only between two turns.
     void load(const Link &link, const std::vector<PlannedRequest> &plan);
 
-    /// Queues a write of one of the link's variables, or reports why it is refused. Only between two
-    /// turns. True if it was queued.
+    /// Queues a write of one of the link's variables and returns true. If the write is refused,
+    /// reports the reason and returns false. Only between two turns.
     bool write(const WriteOrder &order);
+    /// True while the result of a write is not known.
     bool hasPendingWrites() const { return m_writes.hasPending(); }
 
-    /// Makes at most one exchange. False if this turn had nothing to send; writes may be queued all the
-    /// same. If the port fails, closes it and reports all queued writes as failed.
+    /// Makes at most one exchange. Returns false if there was no request in this turn; writes may
+    /// be queued even then. If the port fails, closes it and reports all queued writes as failed.
     bool turn();
 
     // --- Any thread ---
 
     const LinkStatus &status() const { return m_status; }
 
-    /// What the store holds.
+    /// Returns the value in the driver's store, in the bytes of GetRegisterData.
     QByteArray value(const Variable &variable) const { return m_driver.value(variable); }
 
 private:
@@ -88,8 +90,8 @@ private:
     StationWatch m_watch;
     WriteQueue m_writes;
     CycleCounter m_cycle;
-    Verdict m_absence;           // of the port: the result of requests meanwhile
-    bool m_isInProgress = false; // a request was sent, or its first frame, and has not ended
+    Verdict m_absence;           // result of requests while the port is closed
+    bool m_isInProgress = false; // a frame of a request was sent, and the request has not ended
 };
 
 } // namespace velko

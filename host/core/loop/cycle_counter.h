@@ -1,5 +1,4 @@
-// Counts cycles: every request of the cyclic list has had its turn. ComInfo's cycleDone may never become
-// 1 on a line that loses a response now and then.
+// Counts cycles. ComInfo::cycleDone may never become 1 on a line that sometimes loses a response.
 #pragma once
 
 #include "host/core/plan/request_planner.h"
@@ -13,14 +12,15 @@
 namespace velko
 {
 
+/// Used on the communication thread.
 class CycleCounter
 {
 public:
-    /// Begins a cycle of these requests.
+    /// Starts a cycle of these requests.
     void load(const std::vector<PlannedRequest> &plan);
 
-    /// A request was answered or given up. True if that ends the cycle: all others to stations that are
-    /// online have had their turn. The next cycle begins then.
+    /// Notes that a request succeeded or was given up. Returns true if that completes the cycle:
+    /// all other requests to online stations have ended as well. The next cycle starts then.
     bool ended(const RW_VAR &request, const StationStates &stations);
 
 private:

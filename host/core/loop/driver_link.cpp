@@ -36,7 +36,7 @@ int DriverLink::judge(const QByteArray &reply, bool isLastTry)
         m_info.retryLimit = 0;
     const int resultCode = m_driver->DataCom(&reply, reply.size())->retCode;
     m_info.retryLimit = m_retries;
-    // The driver adds up the failures of all requests.
+    // The driver counts the failures of all requests together.
     if (m_ownFailuresOnly && velko_result_is_good(resultCode) && isRequestComplete())
         m_info.retryCount = 0;
     return resultCode;

@@ -1,4 +1,4 @@
-// One copy of the driver and its ComInfo, as the communication loop of one link uses them.
+// A copy of the driver and its ComInfo, for the communication loop of one link.
 #pragma once
 
 #include "host/core/links/link.h"
@@ -17,38 +17,43 @@
 namespace velko
 {
 
-/// Communication thread, but for value().
+/// Used on the communication thread, except value().
 class DriverLink
 {
 public:
-    /// ownerTag of the cyclic reads, and of the reads that readOnce() queues. Writes have positive ones.
+    /// ownerTag of cyclic reads and of the reads that readOnce() queues. Writes have positive
+    /// numbers.
     static const int CYCLIC_OWNER_TAG = -1;
     static const int PROBE_OWNER_TAG = -2;
 
     /// Loads a copy of the driver. Throws std::runtime_error.
     explicit DriverLink(const std::string &libraryFile);
 
+    /// The copy of the driver, owned by this object.
     const DriverLibrary &driver() const { return *m_driver; }
 
-    /// Replaces the cyclic list and the link's settings. Queued writes and stored values stay.
+    /// Replaces the cyclic list and the link's settings. Queued writes and stored values are kept.
     void load(const Link &link, const std::vector<PlannedRequest> &plan);
 
-    /// A copy of the next request; the driver's own is gone after judge(). None: nothing in this turn.
+    /// Returns a copy of the next request, because the driver's record is valid only until judge().
+    /// No value: there is no request in this turn.
     std::optional<Protocol> next() const;
 
-    /// Hands over the response to that request; empty if none came. `isLastTry`: a failure gives the
-    /// request up, whatever its retries. Returns RESULT_...
+    /// Passes the response to that request to the driver; `reply` is empty if there was none.
+    /// `isLastTry`: if it fails, the request is given up without further retries. Returns one of
+    /// RESULT_...
     int judge(const QByteArray &reply, bool isLastTry);
 
-    /// Every frame of the current request was answered.
+    /// True if every frame of the current request has a good response.
     bool isRequestComplete() const { return m_info.frameDone >= m_info.frameTotal; }
 
     /// Queues one read of the variable's first unit.
     void readOnce(const Variable &variable);
 
+    /// Number of writes in the driver's queue.
     int queuedWrites() const;
 
-    /// What the store holds. Any thread.
+    /// Returns the value in the driver's store, in the bytes of GetRegisterData. Any thread.
     QByteArray value(const Variable &variable) const;
 
 private:

@@ -1,4 +1,4 @@
-// The port of a link: opened, lost, and opened again as soon as it is there.
+// The port of a link: opened, lost, and opened again when the device returns.
 #pragma once
 
 #include "host/core/events/reporter.h"
@@ -18,31 +18,34 @@
 namespace velko
 {
 
-/// Communication thread.
+/// Used on the communication thread.
 class LinkPort
 {
 public:
-    /// All outlive the port.
+    /// `taps`, `reporter` and `status` are the caller's and outlive this object.
     LinkPort(const LineTaps &taps, const Reporter &reporter, LinkStatus &status);
 
-    /// For the next opening. True if an open port has other settings.
+    /// Sets the settings for the next opening. Returns true if the port is open with other
+    /// settings.
     bool setSettings(const LineSettings &settings);
 
     bool isOpen() const { return m_line != nullptr; }
 
-    /// Throws PortError; reports it once for each reason.
+    /// Opens the port and reports it. Throws PortError if that fails, and reports each new reason
+    /// once.
     void open();
 
-    /// None: it is open. Otherwise the pause before the next attempt, which grows.
+    /// Tries to open the port. Returns no value if it is open, otherwise the pause before the next
+    /// attempt. The pauses grow.
     std::optional<milliseconds> reopen();
 
-    /// The port failed.
+    /// Closes the open port after a failure and reports it. `why`: the reason.
     void lose(const std::string &why);
 
-    /// Closed on purpose: reports nothing.
+    /// Closes the port without an event. `why`: the reason, for LinkStatus::portText.
     void close(const std::string &why);
 
-    /// Of an open port; as SerialLine::exchange. Throws PortError.
+    /// As SerialLine::exchange. The port must be open. Throws PortError.
     Exchange exchange(const Protocol &request);
 
 private:
@@ -50,8 +53,8 @@ private:
     const Reporter &m_reporter;
     LinkStatus &m_status;
     LineSettings m_settings;
-    AdapterIdentity m_adapter;          // of the port that was open last
-    std::unique_ptr<SerialLine> m_line; // null while there is no port
+    AdapterIdentity m_adapter;          // of the last open port
+    std::unique_ptr<SerialLine> m_line; // null while the port is closed
     GrowingPause m_pauses;
 };
 

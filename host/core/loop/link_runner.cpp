@@ -8,7 +8,7 @@ namespace velko
 namespace
 {
 
-// A turn without a request costs nothing on the line; without a pause it would cost the processor.
+// Limits the processor load of turns without a request.
 const milliseconds IDLE_PAUSE(1);
 
 } // namespace
@@ -85,7 +85,8 @@ void LinkRunner::turn()
         pause(*time);
 }
 
-// A wrong name is reported at once; only a port that was there before is waited for.
+// Does not wait for the port: its name may be wrong. Only a port that was open before is waited
+// for.
 bool LinkRunner::openFirst()
 {
     std::string error;

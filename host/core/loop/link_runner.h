@@ -1,4 +1,4 @@
-// Runs the communication loop of a link on a thread of its own.
+// The communication thread of a link.
 #pragma once
 
 #include "host/core/line/line_times.h"
@@ -16,30 +16,31 @@
 namespace velko
 {
 
-/// Any thread may call, one at a time for start() and stop().
+/// Runs a communication loop on its own thread. Any thread may call; calls of start() and stop()
+/// must not overlap.
 class LinkRunner
 {
 public:
     using Order = std::function<void(CommunicationLoop &)>;
 
-    /// `loop` is the caller's and outlives the runner.
+    /// `loop` is the caller's and outlives this object.
     explicit LinkRunner(CommunicationLoop &loop);
-    /// Stops.
+    /// As stop().
     ~LinkRunner();
     LinkRunner(const LinkRunner &) = delete;
     LinkRunner &operator=(const LinkRunner &) = delete;
 
-    /// Starts the thread and returns when the port is open. Throws PortError if it cannot be opened;
-    /// nothing runs then.
+    /// Starts the thread and returns when the port is open. Throws PortError if the port cannot be
+    /// opened; then the thread has ended or is about to end.
     void start();
 
-    /// Ends after the exchange in progress.
+    /// Ends the thread after the exchange in progress and waits for its end.
     void stop();
 
-    /// Carries out an order on the communication thread, between two turns.
+    /// Queues an order, which is executed on the communication thread between two turns.
     void post(const Order &order);
 
-    /// Every order was carried out, and the results of all writes are known.
+    /// True if every order is executed and the results of all writes are known.
     bool isIdle() const;
 
 private:
@@ -51,7 +52,7 @@ private:
     void pause(milliseconds time);
 
     CommunicationLoop &m_loop;
-    std::unique_ptr<QThread> m_thread; // QSerialPort needs one of Qt's
+    std::unique_ptr<QThread> m_thread; // not std::thread: QSerialPort needs a thread of Qt
 
     mutable std::mutex m_mutex; // guards all below
     std::condition_variable m_changed;

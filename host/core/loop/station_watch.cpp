@@ -45,8 +45,8 @@ void StationWatch::beginTurn(bool mayProbe)
         probe(*station);
 }
 
-// A probe is the station's next request, in its turn: if it were brought forward, the order of the other
-// requests would change. Only a station without cyclic reads needs a request of its own.
+// The station's next cyclic request is the probe, so that the order of the requests does not
+// change. Only a station without cyclic reads needs an additional request.
 void StationWatch::probe(int station)
 {
     const auto isThere = [station](const Variable &variable) {
@@ -83,7 +83,8 @@ void StationWatch::probeEnded(int station, const Verdict &verdict)
                       "it responds again after " + secondsText(absence));
 }
 
-// Any byte in any try is a sign of life, noise and foreign frames included.
+// A station goes offline only if no byte was received in any attempt, not even noise or a foreign
+// frame.
 void StationWatch::watchSilence(int station, const Verdict &verdict)
 {
     if (verdict.kind != Verdict::NO_REPLY || verdict.repeats || m_hasReceived || !isInLink(station))

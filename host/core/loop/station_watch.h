@@ -1,4 +1,5 @@
-// Takes silent stations offline, so that a dead one costs its response timeouts once, and probes them.
+// Takes stations that do not respond offline and probes them. So the line waits for their response
+// timeouts only once.
 #pragma once
 
 #include "host/core/events/reporter.h"
@@ -14,25 +15,27 @@
 namespace velko
 {
 
-/// Communication thread.
+/// Used on the communication thread.
 class StationWatch
 {
 public:
-    /// All outlive the watch.
+    /// `driver`, `states` and `reporter` are the caller's and outlive this object.
     StationWatch(DriverLink &driver, StationStates &states, const Reporter &reporter);
 
-    /// Other stations and variables. Probes begin again.
+    /// Replaces the stations and variables. Every offline station is probed at once.
     void load(const Link &link);
+    /// True if a variable of the link belongs to the station.
     bool isInLink(int station) const;
 
-    /// Before each turn: takes stations offline whose queued writes have been given up and, if
-    /// `mayProbe`, enables one whose probe is due.
+    /// Called before each turn. Takes stations offline whose queued writes are given up. If
+    /// `mayProbe`, enables one station whose probe is due.
     void beginTurn(bool mayProbe);
 
-    /// An exchange with a station has ended. Decides whether the station is offline, or back online.
+    /// Called after each exchange. Decides whether the station goes offline or returns online.
+    /// `isQuiet`: no byte was received.
     void exchangeEnded(int station, const Verdict &verdict, bool isQuiet);
 
-    /// The request of one or several exchanges has ended.
+    /// Called when a request has succeeded or is given up.
     void requestEnded(const RW_VAR &request);
 
 private:
@@ -45,7 +48,7 @@ private:
     const Reporter &m_reporter;
     std::vector<int> m_stations; // of the link, in ascending order
     std::vector<Variable> m_variables;
-    bool m_hasReceived = false; // bytes came in one of the tries of the current request
+    bool m_hasReceived = false; // any byte since the current request began
 };
 
 } // namespace velko

@@ -72,7 +72,7 @@ bool isWorthSplitting(const Gap &gap, const LineSettings &line)
     return wireTime(line, bytesOf(gap)) > overheadTime(line);
 }
 
-// The driver merges what begins within maxRegs of the first register.
+// The driver merges registers that begin within maxRegs of the first register.
 int maxRegsToSplit(const RW_VAR &request, const Gap &gap)
 {
     const int registersBefore = gap.first + gap.count - request.addr;

@@ -1,4 +1,4 @@
-// The cost of a request of the cyclic list on the line.
+// The cost of a cyclic request on the line.
 #pragma once
 
 #include "host/core/line/line_settings.h"
@@ -12,35 +12,35 @@
 namespace velko
 {
 
-/// Registers within a request that no variable needs.
+/// A run of registers within a request that no variable needs.
 struct Gap {
-    int first; ///< before the 5000 of the third area is added
+    int first; ///< register address in the area, without wireOffset
     int count;
 };
 
 struct RequestCost {
-    int function;
-    int wireRegister; ///< the first one, as numbered on the line
-    int asked;        ///< registers of the request
-    int wanted;       ///< registers that a variable needs
-    int bytes;        ///< of request and response
-    microseconds wireTime;
+    int function;          ///< function code
+    int wireRegister;      ///< address of the first register on the line
+    int asked;             ///< registers of the request
+    int wanted;            ///< registers that a variable needs
+    int bytes;             ///< of request and response
+    microseconds wireTime; ///< transmission time of these bytes
     std::vector<Gap> gaps;
 };
 
 RequestCost costOf(const PlannedRequest &request, const Link &link);
 
-/// Bytes of the response that carry the gap.
+/// Returns the number of bytes of the gap in the response.
 int bytesOf(const Gap &gap);
 
-/// The time of one more request, without its data: the other bytes and two silent intervals.
+/// Returns the time of one more request without its data: its other bytes and two frame gaps.
 microseconds overheadTime(const LineSettings &line);
 
-/// True if the gap takes longer than one more request does.
+/// True if the gap takes longer than one more request.
 bool isWorthSplitting(const Gap &gap, const LineSettings &line);
 
-/// The maxRegs with which the registers after the gap become a request of their own. Even, as a
-/// link that writes needs it.
+/// Returns the maxRegs for which the registers after the gap become a separate request. It is even,
+/// as required on a link with writable variables.
 int maxRegsToSplit(const RW_VAR &request, const Gap &gap);
 
 } // namespace velko

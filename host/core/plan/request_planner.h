@@ -1,4 +1,4 @@
-// The read requests for the variables of a link.
+// The cyclic requests for the variables of a link.
 #pragma once
 
 #include "host/core/links/link.h"
@@ -16,21 +16,20 @@ namespace velko
 
 /// One request of the cyclic list, as the driver builds it.
 struct PlannedRequest {
-    RW_VAR var; ///< varKind an AREA_...; ready for AddListReadVar
+    RW_VAR var; ///< for AddListReadVar; varKind is one of AREA_...
     QByteArray frame;
-    int replyLength; ///< bytes
+    int replyLength; ///< bytes of a good response
 };
 
-/// The driver plans for one station at a time; a host with several stations joins the lists of all
-/// of them. The planner has its own copy of the driver, which is not used on a line, so that the
-/// copy in use is not disturbed.
+/// The driver plans the requests to one station at a time. The planner joins the lists of all
+/// stations. It has its own copy of the driver, which no line uses. Used by one thread.
 class RequestPlanner
 {
 public:
     /// Throws std::runtime_error if the driver library file cannot be loaded.
     explicit RequestPlanner(const std::string &library);
 
-    /// Stations in ascending order.
+    /// Returns the requests of all stations, in ascending order of stations.
     std::vector<PlannedRequest> plan(const Link &link);
 
 private:

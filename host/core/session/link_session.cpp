@@ -14,7 +14,7 @@ namespace
 
 ValueRow rowOf(const Variable &variable, const CommunicationLoop &loop)
 {
-    // The state first: the value may be newer than its state, never older.
+    // The state is read first, so that the value is not older than its state.
     const ValueState state = loop.status().stateOf(variable);
     return {variable, state.age ? textOf(variable, loop.value(variable)) : "-", state};
 }
@@ -44,7 +44,7 @@ void LinkSession::reload(const Link &link)
 {
     const std::vector<PlannedRequest> plan = RequestPlanner(m_libraryFile).plan(link);
     const auto kept = std::make_shared<const Link>(link);
-    const Lock lock(m_mutex); // writes that come after it see the new variables
+    const Lock lock(m_mutex); // later writes use the new variables
     m_link = kept;
     m_runner.post([kept, plan](CommunicationLoop &loop) { loop.load(*kept, plan); });
 }

@@ -1,4 +1,4 @@
-// One link that runs: its variables are kept up to date and written, on a thread of its own.
+// A running link: polls and writes its variables on its own thread.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -17,7 +17,7 @@
 namespace velko
 {
 
-/// The top of this library. Any thread may call; start(), stop() and reload() one at a time.
+/// Any thread may call. Calls of start(), stop() and reload() must not overlap.
 class LinkSession
 {
 public:
@@ -26,7 +26,7 @@ public:
     /// std::runtime_error.
     LinkSession(const std::string &libraryFile, const Link &link,
                 const std::vector<LineTap *> &taps, EventSink &sink);
-    /// Stops.
+    /// As stop().
     ~LinkSession() = default;
     LinkSession(const LinkSession &) = delete;
     LinkSession &operator=(const LinkSession &) = delete;
@@ -34,34 +34,36 @@ public:
     /// Opens the port and starts the communication thread. Throws PortError.
     void start();
 
-    /// Ends after the exchange in progress. Reports queued writes as failed.
+    /// Ends the communication thread after the exchange in progress. Reports queued writes as
+    /// failed.
     void stop();
 
-    /// Replaces the variables and the settings of the link, whose name stays. Queued writes and stored
-    /// values stay, unless the port's settings change. Throws std::runtime_error with nothing changed.
+    /// Replaces the variables and the settings of the link. Its name must be the same. Queued
+    /// writes and stored values are kept, unless the settings of the line change. If it throws
+    /// std::runtime_error, nothing is changed.
     void reload(const Link &link);
 
-    /// Writes a variable; `text` is a value in the variable's format. Returns the number of the write,
-    /// 1 or more: its events carry it, and the last of them is its result. 0 if there is no such
-    /// variable.
+    /// Queues a write of a variable. `text`: a value in the variable's format. Returns the number
+    /// of the write, at least 1, which its events contain; the last of these events is its result.
+    /// Returns 0 if there is no such variable.
     int write(const std::string &variable, const std::string &text);
 
-    /// Values and states. A value may be newer than its state, never older.
+    /// Returns values and states. A value may be newer than its state, but not older.
     Snapshot snapshot() const;
 
-    /// Completed cycles of the cyclic requests.
+    /// Number of completed cycles.
     std::int64_t cycles() const { return m_loop.status().cycles(); }
 
-    /// The results of all writes are known.
+    /// True if the results of all writes are known.
     bool isIdle() const { return m_runner.isIdle(); }
 
-    /// Settings and variables as they were given last.
+    /// Returns the present settings and variables, never null.
     std::shared_ptr<const Link> link() const;
 
 private:
     const std::string m_libraryFile;
     CommunicationLoop m_loop;
-    LinkRunner m_runner; // stops before the loop goes
+    LinkRunner m_runner; // destroyed before the loop
 
     mutable std::mutex m_mutex; // guards all below
     std::shared_ptr<const Link> m_link;

@@ -1,4 +1,4 @@
-// The links of a file, and their events gathered for one reader.
+// The links of a file and their events.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -15,38 +15,40 @@
 namespace velko
 {
 
-/// Any thread may call; start(), stop() and reload() one at a time.
+/// Any thread may call. Calls of start(), stop() and reload() must not overlap.
 class PollSession : public EventSink
 {
 public:
-    /// `taps` are the caller's and outlive the session. Throws std::runtime_error.
+    /// `links` have different names. `taps` are the caller's and outlive the session. Throws
+    /// std::runtime_error.
     PollSession(const std::string &libraryFile, const std::vector<Link> &links,
                 const std::vector<LineTap *> &taps);
 
-    /// Throws PortError.
+    /// Starts every link. Throws PortError.
     void start();
 
-    /// Afterwards takeEvents() has the last events.
+    /// Stops every link. takeEvents() returns the last events afterwards.
     void stop();
 
-    /// Replaces the variables and settings of the same links. Throws std::runtime_error with nothing
-    /// changed if the links are not the same.
+    /// Replaces the variables and settings of the links. Throws std::runtime_error if the names of
+    /// the links differ; then nothing is changed.
     void reload(const std::vector<Link> &links);
 
-    /// "NAME=VALUE". Returns why it is refused; otherwise an empty text, and the result comes as an
-    /// event.
+    /// Queues a write. `assignment`: "NAME=VALUE". Returns the reason if it is refused, otherwise
+    /// an empty text; then an event reports the result.
     std::string write(const std::string &assignment);
 
-    /// Every link that is read has completed at least `times` cycles.
+    /// True if every link that has variables to read has completed at least `times` cycles.
     bool haveCycled(int times) const;
-    /// The results of all writes are known.
+    /// True if the results of all writes are known.
     bool isIdle() const;
 
+    /// Returns the values and states of all links.
     Snapshot snapshot() const;
-    /// Events since the last call, oldest first.
+    /// Returns the events since the last call, oldest first.
     std::vector<Event> takeEvents();
 
-    /// Of the links, on their threads.
+    /// Called by the links, on their communication threads.
     void receive(const Event &event) override;
 
 private:

@@ -1,4 +1,4 @@
-// What a link shows of itself at one moment.
+// Values and states of links at one moment.
 #pragma once
 
 #include "host/core/status/link_status.h"
@@ -13,13 +13,13 @@ namespace velko
 
 struct ValueRow {
     Variable variable;
-    std::string text; ///< "-" while there is no value
+    std::string text; ///< the value; "-" if it was never read
     ValueState state;
 };
 
 struct LinkRow {
     std::string name;
-    std::string port; ///< the device, or why there is none
+    std::string port; ///< the device, or the reason why no port is open
     bool isOpen;
     std::int64_t cycles;
     std::vector<StationStatus> stations;

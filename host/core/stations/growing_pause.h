@@ -1,4 +1,4 @@
-// Pauses between attempts at what does not answer.
+// Growing pauses between attempts that fail.
 #pragma once
 
 #include <algorithm>
@@ -7,6 +7,7 @@
 namespace velko
 {
 
+/// Used by one thread.
 class GrowingPause
 {
 public:
@@ -19,7 +20,7 @@ public:
     {
     }
 
-    /// The pause before the next attempt.
+    /// Returns the pause before the next attempt.
     std::chrono::milliseconds next()
     {
         const std::chrono::milliseconds pause = m_next;
@@ -27,6 +28,7 @@ public:
         return pause;
     }
 
+    /// Begins with the first pause again.
     void restart() { m_next = m_first; }
 
 private:

@@ -1,4 +1,4 @@
-// What happened on the line, by station.
+// Counters of one station.
 #pragma once
 
 #include "host/core/events/verdict.h"
@@ -11,22 +11,24 @@
 namespace velko
 {
 
+/// Has no lock: its owner guards it.
 struct StationCounters {
     using Count = std::int64_t; // a panel runs for years
 
-    Count sent = 0; ///< frames
+    Count sent = 0; ///< request frames
     Count good = 0;
     Count noReply = 0;
     Count badCrc = 0;
     Count wrongLength = 0;
     Count collisions = 0;
     std::map<int, Count> exceptions; ///< by code
-    Count retries = 0;
-    Count givenUp = 0;
+    Count retries = 0;               ///< failures after which the driver repeats the frame
+    Count givenUp = 0;               ///< failures without a repetition
+    /// Mean response time; 0 without a response.
     microseconds meanResponse() const;
-    microseconds worstResponse = {};
+    microseconds worstResponse = {}; ///< longest response time
 
-    /// One frame that was sent, and what became of it.
+    /// Counts a frame that was sent, with its result.
     void count(const Verdict &verdict, const Exchange &exchange);
 
 private:

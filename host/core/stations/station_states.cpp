@@ -13,7 +13,7 @@ namespace
 const int DISABLE = 0; // EnCommStation's second argument
 const int ENABLE = 1;
 
-// First at once: the station may have missed one request only.
+// The first probe is due at once: the station may have missed only one request.
 GrowingPause probePauses()
 {
     return {milliseconds(0), milliseconds(500), milliseconds(10000)};

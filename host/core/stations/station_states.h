@@ -1,5 +1,4 @@
-// Which stations are online: the one place that knows, for the communication loop and for every other
-// thread. It also enables and disables them in the driver.
+// The states of the stations. Enables and disables the stations in the driver.
 #pragma once
 
 #include "host/core/line/line_times.h"
@@ -14,7 +13,7 @@
 namespace velko
 {
 
-/// How often, and for how long in all, a station was offline. The present time offline counts.
+/// How many times, and for how long in total, a station was offline. Includes the present absence.
 struct StationAbsence {
     int times = 0;
     Clock::duration time = {};
@@ -25,34 +24,37 @@ class StationStates
 public:
     enum State {
         ONLINE,
-        CLEARING, ///< silent; its queued writes are given up unsent before it is disabled
+        CLEARING, ///< does not respond; its queued writes are given up unsent, then it is disabled
         OFFLINE,
         PROBING ///< enabled for one exchange
     };
 
-    /// The driver outlives this.
+    /// `driver` is the caller's and outlives this object.
     explicit StationStates(const DriverLibrary &driver) : m_driver(driver) {}
 
-    // --- The communication thread ---
+    // --- Only the communication thread ---
 
-    /// ONLINE -> CLEARING. `queuedWrites`: all writes in the driver's queue, of every station.
+    /// ONLINE -> CLEARING. `queuedWrites`: number of writes to all stations in the driver's queue.
     void beginClearing(int station, int queuedWrites);
     /// A write of any station has left the driver's queue.
     void writeEnded();
-    /// CLEARING -> OFFLINE for each station without a queued write: as many writes have ended as were
-    /// queued, and the driver takes them in order; or the queue is empty. The first probe is due.
+    /// CLEARING -> OFFLINE for each station without a queued write. The driver takes writes in
+    /// order, so that is the case when as many writes have ended as were queued, or when the queue
+    /// is empty. The first probe is due at once.
     void endClearing(bool isQueueEmpty);
 
-    /// OFFLINE -> PROBING for one station whose probe is due; none if there is none.
+    /// OFFLINE -> PROBING for one station whose probe is due. Returns the station; no value if no
+    /// probe is due.
     std::optional<int> beginProbe();
-    /// PROBING -> OFFLINE, with a longer pause.
+    /// PROBING -> OFFLINE. The pause before the next probe grows.
     void probeFailed(int station);
     /// PROBING -> ONLINE. Returns how long the station was offline.
     Clock::duration probeSucceeded(int station);
-    /// PROBING -> OFFLINE for all, with the next probes due: what was under way was given up.
+    /// PROBING -> OFFLINE for all stations. A probe of each offline station is due at once.
     void restartProbes();
 
-    /// All stations but these become ONLINE: they are no longer asked. `stations` is in ascending order.
+    /// Makes all other stations ONLINE, because they have no variables any more. `stations` is in
+    /// ascending order.
     void keepOnly(const std::vector<int> &stations);
 
     // --- Any thread ---
@@ -64,7 +66,7 @@ public:
 private:
     struct Entry {
         State state = ONLINE;
-        Clock::time_point since; // offline
+        Clock::time_point since; // when it stopped responding
         Clock::time_point nextProbe;
         GrowingPause pause;
         int writesLeft = 0; // in the driver's queue, while CLEARING
@@ -79,7 +81,7 @@ private:
 
     mutable std::mutex m_mutex;               // guards all below
     Entries m_entries;                        // stations that are not ONLINE
-    std::map<int, StationAbsence> m_absences; // without the present one
+    std::map<int, StationAbsence> m_absences; // without the present absence
 };
 
 } // namespace velko

@@ -1,4 +1,4 @@
-// The state of a link for any thread: which values are fresh, what its stations answered, its port.
+// The state of a link for any thread: freshness of values, counters of stations, the port.
 #pragma once
 
 #include "host/core/events/verdict.h"
@@ -21,12 +21,12 @@ namespace velko
 
 enum class Freshness { GOOD, STALE, NEVER_READ, STATION_OFFLINE };
 
-/// "good", "stale", "never read", "station offline"
+/// Returns "good", "stale", "never read" or "station offline".
 const char *nameOf(Freshness freshness);
 
 struct ValueState {
     Freshness freshness = Freshness::NEVER_READ;
-    /// Since the whole variable was read. None if it never was; there is no value then.
+    /// Time since the whole variable was read. No value if it was never read.
     std::optional<milliseconds> age;
     /// The latest attempt to read it: GOOD, the failure, or NOT_SENT if none was made.
     Verdict lastAttempt;
@@ -36,37 +36,43 @@ struct StationStatus {
     int station = 0;
     bool isOnline = true;
     int timesOffline = 0;
-    Clock::duration timeOffline = {}; ///< in all, the present time included
+    Clock::duration timeOffline = {}; ///< in total, with the present absence
     StationCounters counters;
 };
 
 class LinkStatus
 {
 public:
-    /// `stations` outlives this.
+    /// `stations` is the caller's and outlives this object.
     explicit LinkStatus(const StationStates &stations) : m_stationStates(stations) {}
 
-    // --- The communication thread ---
+    // --- Only the communication thread ---
 
+    /// `text` as portText returns it.
     void setPort(bool isOpen, const std::string &text);
     void setStaleAfter(milliseconds age);
-    /// Variables whose writes are queued: the store may show what the PLC does not have.
+    /// Sets the variables whose writes are queued. Their values in the store may not be in the PLC
+    /// yet.
     void setWriting(const std::vector<Variable> &variables);
+    /// Counts a frame that was sent.
     void count(int station, const Verdict &verdict, const Exchange &exchange);
+    /// Notes the result of a read of registers.
     void readEnded(int station, const RegisterSpan &span, const Verdict &verdict);
+    /// Counts a completed cycle.
     void cycleEnded();
 
     // --- Any thread ---
 
     ValueState stateOf(const Variable &variable) const;
-    /// Stations to which at least one frame was sent, in ascending order. Times run on while the port is
-    /// disconnected.
+    /// Returns the stations to which at least one frame was sent, in ascending order. The times
+    /// offline include those in which the port is disconnected.
     std::vector<StationStatus> stations() const;
     bool isOnline(int station) const { return m_stationStates.isOnline(station); }
     bool isPortOpen() const;
-    /// The device, or why there is none.
+    /// The device, or the reason why no port is open.
     std::string portText() const;
-    /// Cycles: every request to a station that is online was answered or given up.
+    /// Number of completed cycles. In a cycle, every cyclic request to an online station succeeds
+    /// or is given up.
     std::int64_t cycles() const;
 
 private:

@@ -1,5 +1,5 @@
-// When each register was last read, and why the latest attempt failed. The store cannot tell a 0 that
-// was read from a register that was never read.
+// When each register was last read, and why the latest attempt failed. The driver's store returns 0
+// for a register that was never read.
 #pragma once
 
 #include "host/core/events/verdict.h"
@@ -14,18 +14,22 @@ namespace velko
 {
 
 struct RegisterState {
-    std::optional<Clock::time_point> lastGood;
-    Verdict lastAttempt; ///< GOOD if it succeeded, NOT_SENT if none was made
+    std::optional<Clock::time_point> lastGood; ///< no value: never read
+    Verdict lastAttempt;                       ///< GOOD if it succeeded, NOT_SENT if none was made
 };
 
+/// Has no lock: its owner guards it.
 class RegisterStates
 {
 public:
+    /// Notes that the registers were read now.
     void good(int station, const RegisterSpan &span);
+    /// Notes that an attempt to read the registers failed.
     void failed(int station, const RegisterSpan &span, const Verdict &verdict);
 
-    /// The worst of the variable's registers: one that was never read, otherwise one whose latest
-    /// attempt failed, otherwise the one that was read longest ago.
+    /// Returns the worst state of the variable's registers: that of a register that was never read,
+    /// otherwise of one whose latest attempt failed, otherwise of the one that was read longest
+    /// ago.
     RegisterState stateOf(const Variable &variable) const;
 
 private:

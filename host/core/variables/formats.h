@@ -13,9 +13,9 @@ struct Format {
     enum Type { BIT, U8, S8, U16, S16, HEX, U32, S32, F32, TEXT };
 
     Type type = U16;
-    /// Byte order. For 32-bit numbers: the bytes as they follow on the line, A is the most
-    /// significant one. For texts in registers: AB if the first character is the high byte of a
-    /// register, BA if it is the low byte.
+    /// Byte order. For 32-bit numbers: the order of the bytes on the line, where A is the most
+    /// significant byte. For texts in registers: AB if the first character is the high byte of a
+    /// register, BA if it is the low byte. Empty for other formats.
     std::string order;
 };
 
@@ -23,13 +23,13 @@ struct Format {
 /// numbers (the low word in the lower register) and AB for texts. Throws std::invalid_argument.
 Format parseFormat(const std::string &text);
 
-/// The text that parseFormat parses.
+/// Returns the text from which parseFormat makes this format.
 std::string nameOf(const Format &format);
 
 /// Bits of one value, or of one character of a text.
 int valueBits(const Format &format);
 
-/// True if a kind with units of `unitBits` bits can hold the format.
+/// True if a variable whose units have `unitBits` bits can have the format.
 bool fits(const Format &format, int unitBits);
 
 /// Converts `count` values or characters. `bytes` are laid out as GetRegisterData delivers them;

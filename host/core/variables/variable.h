@@ -1,4 +1,4 @@
-// A variable of a panel.
+// A variable: its registers, its values as text, its write targets.
 #pragma once
 
 #include "host/core/variables/formats.h"
@@ -17,9 +17,9 @@ enum class Access { READ, WRITE, READ_WRITE };
 
 struct Variable {
     std::string name;
-    int station = 1;
-    int kind = KIND_HOLDING_WORD;
-    std::string address; ///< see velko_modbus_rtu.h
+    int station = 1;              ///< 1 to 247
+    int kind = KIND_HOLDING_WORD; ///< one of KIND_...
+    std::string address;          ///< as in VAR_ITEM::addrText
     Format format;
     int count = 1; ///< values, or characters of a text
     Access access = Access::READ;
@@ -28,21 +28,21 @@ struct Variable {
     bool isWritten() const { return access != Access::READ; }
 };
 
-/// Registers of one area, as counted in the area: without wireOffset.
+/// A range of registers of one area. Addresses count within the area, without wireOffset.
 struct RegisterSpan {
-    int area; ///< AREA_...
+    int area; ///< one of AREA_...
     int first;
     int last;
 };
 
-/// Throws std::invalid_argument unless address, format, count and access fit the kind and every
-/// register has an address on the line.
+/// Throws std::invalid_argument with the reason if address, format, count or access do not fit the
+/// kind, or if a register has no address on the line.
 void checkVariable(const Variable &variable);
 
-/// bit, u8, u16 or u32.
+/// Returns bit, u8, u16 or u32, as wide as a unit of the kind.
 Format defaultFormat(int kind);
 
-/// The length for the driver, as VAR_ITEM counts it.
+/// Returns the length as VAR_ITEM counts it.
 int lengthOf(const Variable &variable);
 
 RegisterSpan registersOf(const Variable &variable);
@@ -54,12 +54,14 @@ Variable parseVariable(const std::string &text, int station, Access access);
 /// For example "holding word 100".
 std::string placeOf(const Variable &variable);
 
+/// Converts `value`, as GetRegisterData returns it, to text.
 std::string textOf(const Variable &variable, const QByteArray &value);
 
-/// Throws std::invalid_argument for a text that is not a value of the variable.
+/// Converts `text` to the bytes for SetRegisterData. Throws std::invalid_argument if the text is
+/// not a value of the variable.
 QByteArray valueOf(const Variable &variable, const std::string &text);
 
-/// Identifies a queued write: the driver replaces it by a newer write to the same target.
+/// Identifies a queued write. The driver replaces a queued write by a newer one of the same target.
 struct WriteTarget {
     int station;
     int firstBit; ///< register address on the line x REGISTER_BITS + bit
@@ -68,10 +70,10 @@ struct WriteTarget {
     bool operator<(const WriteTarget &other) const;
 };
 
-/// One target for each piece into which the driver cuts a write.
+/// Returns one target for each request into which the driver cuts a write. `maxRegs` as in Link.
 std::vector<WriteTarget> targetsOf(const Variable &variable, int maxRegs);
 
-/// The items of the variables that are read, for ReCreatReadVarList.
+/// Returns the items for ReCreatReadVarList, without variables that are only written.
 QList<VAR_ITEM> itemsOf(const std::vector<Variable> &variables);
 
 } // namespace velko

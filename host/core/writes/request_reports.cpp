@@ -8,8 +8,8 @@ namespace
 
 thread_local std::vector<RequestReport> reports;
 
-// Runs inside DataCom with the driver's list lock held: it notes what happened and returns. What
-// follows, such as a write that is queued again, waits until DataCom has returned.
+// Runs inside DataCom with the driver's list lock held, so it must not call the driver. A write is
+// queued again after DataCom has returned.
 void onRequestDone(int, int ownerId, int ownerTag, int status)
 {
     reports.push_back({ownerId, ownerTag, status});

@@ -1,5 +1,5 @@
-// Collects what the driver's callbacks report. They carry no pointer of the host's, but they run on the
-// communication thread, so each such thread has a collection of its own.
+// Collects the reports of the driver's callbacks. A callback has no context pointer, but it runs on
+// the communication thread. So each thread has its own collection.
 #pragma once
 
 #include "host/core/loading/driver_library.h"
@@ -10,15 +10,15 @@ namespace velko
 {
 
 struct RequestReport {
-    int ownerId;
-    int ownerTag;
-    int status; ///< REQUEST_DONE or REQUEST_GIVEN_UP
+    int ownerId;  ///< as in RW_VAR
+    int ownerTag; ///< as in RW_VAR
+    int status;   ///< REQUEST_DONE or REQUEST_GIVEN_UP
 };
 
-/// Collects the reports of this driver from now on.
+/// Registers the callback with the driver.
 void collectReports(const DriverLibrary &driver);
 
-/// Reports on this thread since the last call, oldest first.
+/// Returns the reports on this thread since the last call, oldest first.
 std::vector<RequestReport> takeReports();
 
 } // namespace velko

@@ -36,8 +36,8 @@ bool WriteQueue::add(const WriteOrder &order, int maxRegs, int repeats, const Ve
     return true;
 }
 
-// In the driver's queue a newer record replaces an older one of the same target, whoever queued it. Two
-// variables have a target in common only after a reload has given one place another name.
+// In the driver's queue a newer record replaces an older one of the same target, also that of
+// another owner. Two variables have a common target only if a reload has renamed a variable.
 void WriteQueue::supersede(int owner, const Pending &newer)
 {
     const auto isReplaced = [&newer](const Pending &older) {
@@ -56,7 +56,7 @@ void WriteQueue::supersede(int owner, const Pending &newer)
     }
 }
 
-// The driver drops what does not fit without a report, piece by piece.
+// The driver drops each piece that does not fit, without a report.
 bool WriteQueue::hasRoom(size_t pieces) const
 {
     const int queued = m_driver.AddListWriteVar(nullptr, QUEUE_CHECKED);
@@ -107,7 +107,7 @@ std::vector<EndedWrite> WriteQueue::failAll(const Verdict &verdict)
     return ended;
 }
 
-// All pieces of a write carry the variable's ownerTag; the last piece reports for all.
+// All pieces of a write have the variable's ownerTag. The last piece reports the result of all.
 bool WriteQueue::queue(int owner, const Pending &write)
 {
     const Variable &variable = write.order.variable;

@@ -1,4 +1,4 @@
-// Writes from the moment they are given until their results are known.
+// Writes whose results are not known yet.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -18,43 +18,44 @@
 namespace velko
 {
 
-/// What a user asks for.
+/// A write as the user orders it.
 struct WriteOrder {
     Variable variable;
     std::string text; ///< the value
-    int number = 0;   ///< returned in the write's events
+    int number = 0;   ///< Event::write of the events of this write
 };
 
 /// A write whose result is known.
 struct EndedWrite {
     Variable variable;
-    bool isDone;
+    bool isDone; ///< false: it failed
 };
 
-/// Used only on the communication thread, between two exchanges: what it finds out about the driver's
-/// queue still holds when it adds to it.
+/// Used only on the communication thread, between two exchanges, so that the room found in the
+/// driver's queue is still there when a write is added.
 class WriteQueue
 {
 public:
-    /// Both outlive the queue.
+    /// `driver` and `reporter` are the caller's and outlive this object.
     WriteQueue(const DriverLibrary &driver, const Reporter &reporter);
 
-    /// Queues a write in pieces of at most `maxRegs` registers, or reports why it is refused.
-    /// `obstacle` is such a reason; GOOD if there is none. A write that is given up is queued again at
-    /// most `repeats` times. True if it was queued.
+    /// Queues a write in pieces of at most `maxRegs` registers and returns true. If the write is
+    /// refused, reports the reason and returns false. `obstacle`: a reason of the caller's; GOOD if
+    /// there is none. A given-up write is queued again at most `repeats` times.
     bool add(const WriteOrder &order, int maxRegs, int repeats, const Verdict &obstacle);
 
-    /// Reports the results of the writes that the driver has finished. `verdict` is that of the last
-    /// exchange. If `mayRepeat`, given-up writes are queued again as often as they may be.
+    /// Reports the results of the writes that the driver has finished. `verdict`: that of the last
+    /// exchange. `mayRepeat`: given-up writes may be queued again. Returns the writes that have
+    /// ended.
     std::vector<EndedWrite> settle(const std::vector<RequestReport> &reports,
                                    const Verdict &verdict, bool mayRepeat);
 
     bool hasPending() const { return !m_pending.empty(); }
 
-    /// Variables of the writes whose results are not known yet.
+    /// Returns the variables of the pending writes.
     std::vector<Variable> pending() const;
 
-    /// Reports every pending write as failed.
+    /// Reports every pending write as failed and returns all of them.
     std::vector<EndedWrite> failAll(const Verdict &verdict);
 
 private:
@@ -74,8 +75,9 @@ private:
 
     const DriverLibrary &m_driver;
     const Reporter &m_reporter;
-    // ownerTag of each variable, by name and place: after a reload a name may stand for another place,
-    // and both may have a queued write. Never removed, since reports may still come.
+    // ownerTag of each variable, by name and place. After a reload a name may belong to another
+    // place, and both places may have a queued write. Entries remain, because late reports need
+    // them.
     std::map<std::string, int> m_owners;
     std::map<int, Pending> m_pending; // by ownerTag
 };
