@@ -31,9 +31,9 @@ std::vector<PlannedRequest> planOf(const std::string &library, const Link &link)
     RequestPlanner planner(library);
     std::vector<PlannedRequest> requests;
     for (const Variable &variable : link.variables) {
-        Link alone = link;
-        alone.variables = {variable};
-        for (const PlannedRequest &request : planner.plan(alone))
+        Link single = link;
+        single.variables = {variable};
+        for (const PlannedRequest &request : planner.plan(single))
             requests.push_back(request);
     }
     return requests;

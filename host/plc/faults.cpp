@@ -1,6 +1,7 @@
 #include "host/plc/faults.h"
 
 #include "host/core/sizes/limits.h"
+#include "host/core/text/joined.h"
 #include "host/core/text/numbers.h"
 
 #include <algorithm>
@@ -67,10 +68,11 @@ const FaultKind &kindNamed(const std::string &name)
                      [&](const FaultKind &kind) { return name == kind.name; });
     if (found != FAULT_KINDS.end())
         return *found;
-    std::string names;
+    std::vector<std::string> names;
+    names.reserve(FAULT_KINDS.size());
     for (const FaultKind &kind : FAULT_KINDS)
-        names += (names.empty() ? "" : ", ") + std::string(kind.name);
-    refuse("unknown fault " + quoted(name) + ". Use one of: " + names);
+        names.emplace_back(kind.name);
+    refuse("unknown fault " + quoted(name) + ". Use one of: " + joined(names));
 }
 
 // Cuts the text at the first separator and returns the part after it. Neither part contains the
@@ -107,9 +109,9 @@ Fault faultIn(std::string text)
 }
 
 // "0 to 60000 ms, default: 300 ms"
-std::string rangeText(const NumberRange &range)
+std::string rangeOf(const NumberRange &range)
 {
-    return std::to_string(range.lowest) + " to " + std::to_string(range.highest) + range.unit
+    return rangeText(range.lowest, range.highest) + range.unit
            + ", default: " + std::to_string(range.standard) + range.unit;
 }
 
@@ -118,7 +120,7 @@ FaultHelp helpOf(const FaultKind &kind)
     if (kind.number.highest == 0)
         return {kind.name, kind.effect};
     return {std::string(kind.name) + "=N",
-            std::string(kind.effect) + " (" + rangeText(kind.number) + ")"};
+            std::string(kind.effect) + " (" + rangeOf(kind.number) + ")"};
 }
 
 } // namespace

@@ -15,7 +15,6 @@ const int FIXED_REQUEST = 1 + 1 + 2 + 2 + CRC_BYTES; // station, function, addre
 const int WRITE_HEADER = 1 + 1 + 2 + 2 + 1; // station, function, address, count, byte count
 const int BYTE_COUNT_INDEX = WRITE_HEADER - 1;
 const int FUNCTION_INDEX = 1;
-const int EXCEPTION_BIT = 0x80;
 
 } // namespace
 
@@ -42,7 +41,7 @@ QByteArray withCrc(const QByteArray &bytes)
 QByteArray exceptionResponse(const QByteArray &request, int code)
 {
     QByteArray response = request.left(1);
-    response.append(static_cast<char>(byteAt(request, FUNCTION_INDEX) | EXCEPTION_BIT));
+    response.append(static_cast<char>(byteAt(request, FUNCTION_INDEX) | EXCEPTION_FLAG));
     response.append(static_cast<char>(code));
     return withCrc(response);
 }

@@ -1,4 +1,4 @@
-// Modbus RTU frames as a slave sees them. A frame includes its station number and its CRC.
+// Modbus RTU frames as a slave receives them. A frame includes its station number and its CRC.
 #pragma once
 
 #include <QByteArray>

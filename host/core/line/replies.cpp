@@ -10,7 +10,6 @@ namespace velko
 namespace
 {
 
-const int EXCEPTION_FLAG = 0x80;
 const int WRITE_BYTES = 8; // station, function, address, value or count, CRC
 
 } // namespace

@@ -8,6 +8,7 @@
 namespace velko
 {
 
+const int EXCEPTION_FLAG = 0x80;   // in the function code of an exception response
 const int EXCEPTION_BYTES = 5;     // station, function, code, CRC
 const int READ_OVERHEAD_BYTES = 5; // station, function, byte count, CRC
 

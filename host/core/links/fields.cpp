@@ -1,22 +1,13 @@
 #include "host/core/links/fields.h"
 
 #include "host/core/text/joined.h"
+#include "host/core/text/numbers.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace velko
 {
-
-namespace
-{
-
-std::string rangeText(int lowest, int highest)
-{
-    return "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest);
-}
-
-} // namespace
 
 FileError errorAt(const std::string &path, const toml::source_region &place,
                   const std::string &reason)
@@ -108,7 +99,7 @@ std::optional<int> Fields::number(const std::string &key, int lowest, int highes
         return std::nullopt;
     const std::optional<int64_t> value = node->value_exact<int64_t>();
     if (!value || *value < lowest || *value > highest)
-        fail(key, "it must be " + rangeText(lowest, highest));
+        fail(key, "it must be a whole number from " + rangeText(lowest, highest));
     return static_cast<int>(*value);
 }
 
@@ -119,8 +110,7 @@ int Fields::microseconds(const std::string &key, int highestMilliseconds) const
         return 0;
     const double value = node->is_number() ? node->value_or(-1.0) : -1.0;
     if (!(value >= 0 && value <= highestMilliseconds))
-        fail(key, "it must be a number of milliseconds from 0 to "
-                      + std::to_string(highestMilliseconds));
+        fail(key, "it must be a number of milliseconds from " + rangeText(0, highestMilliseconds));
     return static_cast<int>(std::ceil(value * 1000));
 }
 

@@ -4,6 +4,7 @@
 #include "host/core/links/file_error.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/sizes/units.h"
+#include "host/core/text/numbers.h"
 #include "host/core/variables/kinds.h"
 
 #include <QFile>
@@ -151,8 +152,7 @@ private:
         if (link.maxRegs > HIGHEST_MAX_REGS_WRITING || link.maxRegs % 2 != 0)
             fields.fail("maxRegs",
                         "on a link with writable variables it must be an even number from "
-                            + std::to_string(LOWEST_MAX_REGS) + " to "
-                            + std::to_string(HIGHEST_MAX_REGS_WRITING));
+                            + rangeText(LOWEST_MAX_REGS, HIGHEST_MAX_REGS_WRITING));
     }
 
     // The driver keeps only the newer one of two queued writes to a target. The result of the other

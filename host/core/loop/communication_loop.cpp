@@ -56,21 +56,21 @@ void CommunicationLoop::load(const Link &link, const std::vector<PlannedRequest>
     m_watch.load(link);
     if (m_port.setSettings(link.line))
         losePort("it is opened again with other settings");
-    giveUpUnwanted();
+    giveUpDroppedRead();
     m_driver.load(link, plan);
     m_cycle.load(plan);
 }
 
 // Gives up a read in progress if its station is offline or has no variables any more.
-void CommunicationLoop::giveUpUnwanted()
+void CommunicationLoop::giveUpDroppedRead()
 {
     if (!m_isInProgress)
         return;
     const std::optional<Protocol> request = m_driver.next();
     const int station = request->var.station;
-    const bool isWanted = m_watch.isInLink(station) && m_stations.isOnline(station);
-    if (!isWanted && request->var.ownerTag < 0)
-        giveUpUnsent(*request, Verdict(Verdict::NOT_SENT, "no longer asked for"));
+    const bool isPolled = m_watch.isInLink(station) && m_stations.isOnline(station);
+    if (!isPolled && request->var.ownerTag < 0)
+        giveUpUnsent(*request, Verdict(Verdict::NOT_SENT, "it is no longer polled"));
 }
 
 bool CommunicationLoop::write(const WriteOrder &order)

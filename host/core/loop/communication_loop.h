@@ -72,7 +72,7 @@ public:
 private:
     void exchange(const Protocol &request);
     void giveUpUnsent(const Protocol &request, const Verdict &verdict);
-    void giveUpUnwanted();
+    void giveUpDroppedRead();
     void losePort(const std::string &why);
     void clearWrites(Verdict::Kind kind, const std::string &why);
     Verdict obstacleTo(const Variable &variable) const;

@@ -9,16 +9,6 @@
 namespace velko
 {
 
-namespace
-{
-
-std::string rangeText(long long lowest, long long highest)
-{
-    return std::to_string(lowest) + " to " + std::to_string(highest);
-}
-
-} // namespace
-
 bool isDigits(const std::string &text)
 {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
@@ -45,6 +35,11 @@ long long parseLongNumber(const std::string &text, long long lowest, long long h
     if (error != std::errc() || number < lowest || number > highest)
         throw std::invalid_argument(subject + " is out of range: " + rangeText(lowest, highest));
     return number;
+}
+
+std::string rangeText(long long lowest, long long highest)
+{
+    return std::to_string(lowest) + " to " + std::to_string(highest);
 }
 
 int millisecondsIn(const std::string &text)

@@ -20,6 +20,9 @@ int parseNumber(const std::string &text, int lowest, int highest, const std::str
 long long parseLongNumber(const std::string &text, long long lowest, long long highest,
                           const std::string &what = "");
 
+/// Returns, for example, "1 to 1024".
+std::string rangeText(long long lowest, long long highest);
+
 /// Parses seconds with at most three digits after the point, for example "5" or "2.5". Returns
 /// milliseconds. Throws std::invalid_argument for any other text and for more than LONGEST_RUN.
 int millisecondsIn(const std::string &text);

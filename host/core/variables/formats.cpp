@@ -168,11 +168,11 @@ uint32_t parseFloat(const std::string &text)
     return raw;
 }
 
-std::string rangeText(const Format &format)
+std::string rangeOf(const Format &format)
 {
     if (format.type == Format::HEX)
         return "0x0000 to 0xFFFF";
-    return std::to_string(rowOf(format).lowest) + " to " + std::to_string(rowOf(format).highest);
+    return rangeText(rowOf(format).lowest, rowOf(format).highest);
 }
 
 // `digits` are those of `text` without its "0x".
@@ -184,7 +184,7 @@ uint32_t parseHex(const std::string &text, const std::string &digits, const Form
     if (result.ec == std::errc::invalid_argument || result.ptr != end || digits[0] == '-')
         throw std::invalid_argument("\"" + text + "\" is not a whole number");
     if (result.ec != std::errc() || number < rowOf(format).lowest || number > rowOf(format).highest)
-        throw std::invalid_argument("\"" + text + "\" is out of range: " + rangeText(format));
+        throw std::invalid_argument("\"" + text + "\" is out of range: " + rangeOf(format));
     return static_cast<uint32_t>(number);
 }
 

@@ -95,7 +95,7 @@ void checkVariable(const Variable &variable)
                                     + kindName(variable.kind) + "\"");
     if (variable.count < 1 || variable.count > HIGHEST_COUNT)
         throw std::invalid_argument("count " + std::to_string(variable.count)
-                                    + " is out of range: 1 to " + std::to_string(HIGHEST_COUNT));
+                                    + " is out of range: " + rangeText(1, HIGHEST_COUNT));
     if (variable.isWritten() && !isWritable(variable.kind))
         throw std::invalid_argument("kind \"" + kindName(variable.kind) + "\" cannot be written");
     checkRegisters(variable);
