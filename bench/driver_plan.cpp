@@ -4,6 +4,7 @@
 #include "host/core/line/replies.h"
 #include "host/core/plan/request_planner.h"
 #include "host/core/text/hex.h"
+#include "host/core/variables/kinds.h"
 
 #include <algorithm>
 #include <stdexcept>

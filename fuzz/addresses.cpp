@@ -1,4 +1,5 @@
 // Passes address texts and variable items of any kind, and checks the requests made from them.
+#include "driver/modbus_rtu_master.h"
 #include "fuzz/common.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "fuzz/common.h"
 
 #include "bytes/Func_Check.h"
+#include "driver/modbus_rtu_master.h"
 
 #include <QLocale>
 

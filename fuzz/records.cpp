@@ -1,4 +1,5 @@
 // Passes records and values of any content, in every mode of the queues and of the store.
+#include "driver/modbus_rtu_master.h"
 #include "fuzz/common.h"
 
 namespace
