@@ -68,7 +68,8 @@ QByteArray ResponseFilter::takeDropped()
 bool ResponseFilter::beginsLikeResponse() const
 {
     return m_bytes.at(0) == m_request.at(0)
-           && (m_bytes.size() < 2 || (byteAt(m_bytes, 1) & ~EXCEPTION_FLAG) == byteAt(m_request, 1));
+           && (m_bytes.size() < 2
+               || (byteAt(m_bytes, 1) & ~EXCEPTION_FLAG) == byteAt(m_request, 1));
 }
 
 bool ResponseFilter::isException() const
