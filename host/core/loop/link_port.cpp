@@ -6,11 +6,21 @@
 namespace velko
 {
 
+namespace
+{
+
+// Between attempts to open a port that is not there.
+const milliseconds FIRST_PAUSE(100);
+const milliseconds PAUSE_STEP(200);
+const milliseconds LONGEST_PAUSE(5000);
+
+} // namespace
+
 LinkPort::LinkPort(const LineTaps &taps, const Reporter &reporter, LinkStatus &status)
     : m_taps(taps),
       m_reporter(reporter),
       m_status(status),
-      m_pauses(milliseconds(100), milliseconds(200), milliseconds(5000))
+      m_pauses(FIRST_PAUSE, PAUSE_STEP, LONGEST_PAUSE)
 {
 }
 
