@@ -63,6 +63,7 @@ void LinkRunner::run()
         return;
     while (beginTurn())
         turn();
+    takeOrders(); // a write that came with the end gets its result
     m_loop.close("the program ended first"); // on the thread that opened it
 }
 

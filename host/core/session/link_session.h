@@ -45,7 +45,8 @@ public:
 
     /// Queues a write of a variable. `text`: a value in the variable's format. Returns the number
     /// of the write, at least 1, which its events contain; the last of these events is its result.
-    /// Returns 0 if there is no such variable.
+    /// Returns 0 if there is no such variable. Only between start() and stop(): before and after,
+    /// nothing executes it.
     int write(const std::string &variable, const std::string &text);
 
     /// Returns values and states. A value may be newer than its state, but not older.
