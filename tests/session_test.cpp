@@ -1,8 +1,12 @@
 // One link as a host uses it: writes with their results, snapshots, another list of variables.
+#include "host/core/line/port_error.h"
 #include "host/core/session/link_session.h"
 #include "host/plc/simulated_plc.h"
 
 #include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
 
 using namespace velko;
 
@@ -93,7 +97,7 @@ TEST(LinkSession, AnotherListOfVariables)
     test.session->reload(test.link);
     EXPECT_EQ(test.session->write("a", "1"), 0);
     EXPECT_TRUE(SessionUnderTest::waitFor([&] { return test.shown() == "d=38536 good"; }));
-    EXPECT_GT(test.session->cycles(), 0);
+    EXPECT_TRUE(SessionUnderTest::waitFor([&] { return test.session->cycles() > 0; }));
 }
 
 TEST(LinkSession, EveryWriteBeforeTheEndHasAResult)
@@ -106,4 +110,55 @@ TEST(LinkSession, EveryWriteBeforeTheEndHasAResult)
         test.session->stop();
         EXPECT_EQ(test.results.all().size(), 5U);
     }
+}
+
+TEST(LinkSession, StartsAgain)
+{
+    SessionUnderTest test;
+    for (int i = 0; i < 3; ++i) {
+        test.session->stop();
+        const auto before = test.session->cycles();
+        test.session->start();
+        EXPECT_TRUE(SessionUnderTest::waitFor([&] { return test.session->cycles() > before; }));
+    }
+    test.session->stop();
+    Link elsewhere = test.link;
+    elsewhere.line.devices = {"/dev/none"};
+    LinkSession missing(DRIVER_LIBRARY, elsewhere, {}, test.results);
+    EXPECT_THROW(missing.start(), PortError);
+    EXPECT_THROW(missing.start(), PortError);
+    missing.reload(test.link);
+    EXPECT_EQ(missing.write("a", "1"), 1); // refused: nothing is open yet
+    missing.start();
+    EXPECT_TRUE(SessionUnderTest::waitFor([&] { return test.results.all()[1] == "refused"; }));
+    EXPECT_TRUE(SessionUnderTest::waitFor([&] { return missing.cycles() > 0; }));
+}
+
+TEST(LinkSession, RefusesALinkThatCannotWork)
+{
+    SessionUnderTest test;
+    const std::function<void(Link &)> mistakes[] = {
+        [](Link &link) { link.line.devices.clear(); },
+        [](Link &link) { link.line.baudRate = 0; },
+        [](Link &link) { link.line.stopBits = 3; },
+        [](Link &link) { link.line.responseTimeout = 0; },
+        [](Link &link) { link.line.interCharacterTimeout = -1; },
+        [](Link &link) { link.line.guardTime = -1; },
+        [](Link &link) { link.line.minFrameGap = -1; },
+        [](Link &link) { link.maxRegs = 0; },
+        [](Link &link) { link.maxRegs = 99; },
+        [](Link &link) { link.retries = -1; },
+        [](Link &link) { link.queueAgain = -1; },
+        [](Link &link) { link.staleAfter = 0; },
+        [](Link &link) { link.variables.front().station = 248; },
+        [](Link &link) { link.variables.front().kind = 12; },
+        [](Link &link) { link.variables.front().address = "abc"; },
+    };
+    for (size_t i = 0; i < std::size(mistakes); ++i) {
+        SCOPED_TRACE(i);
+        Link link = test.link;
+        mistakes[i](link);
+        EXPECT_THROW(test.session->reload(link), std::invalid_argument);
+    }
+    EXPECT_EQ(test.session->link()->variables.size(), 3U);
 }

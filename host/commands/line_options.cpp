@@ -55,7 +55,7 @@ LineOptions::LineOptions(CLI::App &options)
         ->check(numberFrom(LOWEST_MAX_REGS, HIGHEST_MAX_REGS_WRITING))
         ->check(CLI::Validator(
             [](std::string &text) {
-                return (text.back() - '0') % 2 == 0 ? std::string() : "must be even";
+                return isWholeDoubleWords(std::stoi(text)) ? std::string() : "must be even";
             },
             "EVEN"))
         ->capture_default_str();

@@ -36,7 +36,8 @@ private:
     bool m_isBigEndian = false;
 };
 
-/// Runs a communication loop on this thread until its requests have ended.
+/// Runs a communication loop on this thread until its requests have ended. A LinkSession, with its
+/// thread, has no advantage here: there is nothing else to do meanwhile.
 class OneShotLoop : public EventSink
 {
 public:

@@ -154,7 +154,13 @@ void PollCommand::reload(PollSession &session, PollView &view) const
 
 void PollCommand::write(const std::string &assignment, PollSession &session, PollView &view)
 {
-    const std::string refusal = session.write(assignment);
+    const size_t sign = assignment.find('=');
+    const std::string name = assignment.substr(0, sign);
+    std::string refusal;
+    if (sign == std::string::npos)
+        refusal = "\"" + assignment + "\" is not NAME=VALUE";
+    else if (!session.write(name, assignment.substr(sign + 1)))
+        refusal = "there is no variable \"" + name + "\"";
     if (refusal.empty())
         return;
     view.note(assignment + ": refused: " + refusal);

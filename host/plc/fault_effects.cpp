@@ -1,6 +1,7 @@
 #include "host/plc/fault_effects.h"
 
 #include "host/core/line/replies.h"
+#include "host/core/sizes/frames.h"
 #include "host/core/sizes/limits.h"
 #include "host/plc/frames.h"
 
@@ -17,8 +18,6 @@ namespace
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
-const int READ_HEADER = 3; // station, function code, byte count
-
 // The response of the next station to the same request. The values read are inverted, so that a
 // master that takes them shows wrong ones.
 QByteArray foreignResponse(const QByteArray &response)
@@ -27,7 +26,8 @@ QByteArray foreignResponse(const QByteArray &response)
     foreign[0] = static_cast<char>(byteAt(response, 0) % HIGHEST_STATION + 1);
     const int function = byteAt(response, 1);
     if (function >= MODBUS_FC_READ_COILS && function <= MODBUS_FC_READ_INPUT_REGISTERS)
-        std::transform(foreign.begin() + READ_HEADER, foreign.end(), foreign.begin() + READ_HEADER,
+        std::transform(foreign.begin() + READ_HEADER_BYTES, foreign.end(),
+                       foreign.begin() + READ_HEADER_BYTES,
                        [](char byte) { return static_cast<char>(~byte); });
     return withCrc(foreign);
 }

@@ -34,7 +34,7 @@ struct FaultKind {
 constexpr std::array<FaultKind, 9> FAULT_KINDS = {{
     {"none", Fault::NONE, NO_NUMBER, "no fault"},
     {"silent", Fault::SILENT, NO_NUMBER, "no response; the request is not executed"},
-    {"late", Fault::LATE, {0, 60000, 300, " ms"}, "response N ms late"},
+    {"late", Fault::LATE, {0, LONGEST_TIME, 300, " ms"}, "response N ms late"},
     {"cut", Fault::CUT, {1, 255, 3, " bytes"}, "only the first N bytes of the response"},
     {"flip", Fault::FLIP, NO_NUMBER, "response with one wrong bit: the CRC does not match"},
     {"junk", Fault::JUNK, {1, 64, 3, " bytes"}, "N bytes of noise directly before the response"},
@@ -45,7 +45,7 @@ constexpr std::array<FaultKind, 9> FAULT_KINDS = {{
     {"foreign", Fault::FOREIGN, NO_NUMBER, "valid frame of another station before the response"},
     {"stutter",
      Fault::STUTTER,
-     {0, 60000, 16, " ms"},
+     {0, LONGEST_TIME, 16, " ms"},
      "pause of N ms in the middle of the response"},
 }};
 

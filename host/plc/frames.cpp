@@ -2,6 +2,7 @@
 
 #include "host/core/line/crc16.h"
 #include "host/core/line/replies.h"
+#include "host/core/sizes/frames.h"
 
 #include <modbus.h>
 
@@ -11,9 +12,7 @@ namespace velko
 namespace
 {
 
-const int FIXED_REQUEST = 1 + 1 + 2 + 2 + CRC_BYTES; // station, function, address, count or value
-const int WRITE_HEADER = 1 + 1 + 2 + 2 + 1; // station, function, address, count, byte count
-const int BYTE_COUNT_INDEX = WRITE_HEADER - 1;
+const int BYTE_COUNT_INDEX = WRITE_HEADER_BYTES - 1;
 const int FUNCTION_INDEX = 1;
 
 } // namespace
@@ -24,13 +23,13 @@ int requestLength(const QByteArray &beginning)
         return FUNCTION_INDEX + 1;
     const int function = byteAt(beginning, FUNCTION_INDEX);
     if (function >= MODBUS_FC_READ_COILS && function <= MODBUS_FC_WRITE_SINGLE_REGISTER)
-        return FIXED_REQUEST;
+        return SHORT_FRAME_BYTES;
     if (function != MODBUS_FC_WRITE_MULTIPLE_COILS
         && function != MODBUS_FC_WRITE_MULTIPLE_REGISTERS)
         return UNKNOWN_LENGTH;
-    if (beginning.size() < WRITE_HEADER)
-        return WRITE_HEADER;
-    return WRITE_HEADER + byteAt(beginning, BYTE_COUNT_INDEX) + CRC_BYTES;
+    if (beginning.size() < WRITE_HEADER_BYTES)
+        return WRITE_HEADER_BYTES;
+    return WRITE_HEADER_BYTES + byteAt(beginning, BYTE_COUNT_INDEX) + CRC_BYTES;
 }
 
 QByteArray withCrc(const QByteArray &bytes)

@@ -6,7 +6,6 @@
 namespace velko
 {
 
-const int CRC_BYTES = 2;
 const int SHORTEST_FRAME = 4;       ///< station, function code, CRC
 const int FRAME_BUFFER_BYTES = 512; ///< more bytes than any frame has
 

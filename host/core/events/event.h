@@ -45,7 +45,7 @@ class EventSink
 {
 public:
     virtual ~EventSink() = default;
-    /// Called on the communication thread of the link. Must return quickly.
+    /// Called on the communication thread of the link. Must return quickly, and must not throw.
     virtual void receive(const Event &event) = 0;
 };
 

@@ -7,13 +7,6 @@
 namespace velko
 {
 
-namespace
-{
-
-const int WRITE_BYTES = 8; // station, function, address, value or count, CRC
-
-} // namespace
-
 int byteAt(const QByteArray &bytes, int index)
 {
     return static_cast<unsigned char>(bytes.at(index));
@@ -26,10 +19,12 @@ int frameLength(const QByteArray &bytes)
     const int function = byteAt(bytes, 1);
     if ((function & EXCEPTION_FLAG) != 0)
         return EXCEPTION_BYTES;
-    if (function >= 1 && function <= 4)
+    if (function >= READ_COILS && function <= READ_INPUT_REGISTERS)
         return READ_OVERHEAD_BYTES + (bytes.size() > 2 ? byteAt(bytes, 2) : 0);
-    const bool isWrite = function == 5 || function == 6 || function == 15 || function == 16;
-    return isWrite ? WRITE_BYTES : 0;
+    const bool isWrite = function == WRITE_SINGLE_COIL || function == WRITE_SINGLE_REGISTER
+                         || function == WRITE_MULTIPLE_COILS
+                         || function == WRITE_MULTIPLE_REGISTERS;
+    return isWrite ? SHORT_FRAME_BYTES : 0;
 }
 
 bool isExceptionTo(const QByteArray &request, const QByteArray &reply)

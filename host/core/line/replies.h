@@ -1,16 +1,14 @@
 // Fields of response frames. The driver decides whether a response is good.
 #pragma once
 
+#include "host/core/sizes/frames.h"
+
 #include <QByteArray>
 
 #include <string>
 
 namespace velko
 {
-
-const int EXCEPTION_FLAG = 0x80;   // in the function code of an exception response
-const int EXCEPTION_BYTES = 5;     // station, function, code, CRC
-const int READ_OVERHEAD_BYTES = 5; // station, function, byte count, CRC
 
 /// Returns 0 to 255. `index` is within `bytes`.
 int byteAt(const QByteArray &bytes, int index);

@@ -2,6 +2,7 @@
 
 #include "host/core/line/crc16.h"
 #include "host/core/line/replies.h"
+#include "host/core/sizes/frames.h"
 
 namespace velko
 {
@@ -81,9 +82,9 @@ bool ResponseFilter::isException() const
 // recognised by its length.
 bool ResponseFilter::fitsRequest(int length) const
 {
-    const int function16 = 16;
     return length == m_responseLength
-           && (byteAt(m_request, 1) != function16 || m_bytes.mid(2, 4) == m_request.mid(2, 4));
+           && (byteAt(m_request, 1) != WRITE_MULTIPLE_REGISTERS
+               || m_bytes.mid(2, 4) == m_request.mid(2, 4));
 }
 
 // Number of leading bytes that cannot belong to the response.

@@ -1,5 +1,7 @@
 #include "host/core/line/serial_line.h"
 
+#include "host/core/sizes/frames.h"
+
 #include <algorithm>
 #include <thread>
 
@@ -12,8 +14,7 @@ namespace
 // Limit for a line that is never silent.
 const int MAX_DISCARDS = 100;
 
-const int LONGEST_FRAME = 256; // bytes
-const int MAX_BATCHES = 10;    // in which a USB adapter delivers a frame
+const int MAX_BATCHES = 10; // in which a USB adapter delivers a frame
 
 } // namespace
 

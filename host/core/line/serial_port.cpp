@@ -94,7 +94,7 @@ void SerialPort::setDirectionControl(Rs485 mode)
         fail(
             std::string("cannot switch the RS-485 direction (") + std::strerror(errno)
             + "): its kernel driver has no TIOCSRS485. Use an adapter that switches by itself, and "
-              "leave out rs485, -F and -R.");
+              "leave out rs485.");
 }
 
 void SerialPort::write(const QByteArray &bytes)

@@ -149,7 +149,7 @@ private:
     {
         if (!link.isWritten())
             return;
-        if (link.maxRegs > HIGHEST_MAX_REGS_WRITING || link.maxRegs % 2 != 0)
+        if (link.maxRegs > HIGHEST_MAX_REGS_WRITING || !isWholeDoubleWords(link.maxRegs))
             fields.fail("maxRegs",
                         "on a link with writable variables it must be an even number from "
                             + rangeText(LOWEST_MAX_REGS, HIGHEST_MAX_REGS_WRITING));

@@ -9,7 +9,7 @@ namespace velko
 namespace
 {
 
-// Between attempts to open a port that is not there.
+// Between attempts to open a disconnected port.
 const milliseconds FIRST_PAUSE(100);
 const milliseconds PAUSE_STEP(200);
 const milliseconds LONGEST_PAUSE(5000);

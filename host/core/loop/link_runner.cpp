@@ -22,6 +22,13 @@ LinkRunner::~LinkRunner()
 
 void LinkRunner::start()
 {
+    stop(); // an earlier start that failed, or that still runs
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_isStopping = false;
+        m_isOpened = false;
+        m_openError.clear();
+    }
     m_thread.reset(QThread::create([this] { run(); }));
     m_thread->start();
     std::unique_lock<std::mutex> lock(m_mutex);
@@ -59,12 +66,13 @@ bool LinkRunner::isIdle() const
 
 void LinkRunner::run()
 {
+    takeOrders(); // other settings apply before the port is opened
     if (!openFirst())
         return;
     while (beginTurn())
         turn();
-    takeOrders(); // a write that came with the end gets its result
-    m_loop.close("the program ended first"); // on the thread that opened it
+    takeOrders();                         // the last ones, so that every write gets a result
+    m_loop.close("the link was stopped"); // on the thread that opened it
 }
 
 bool LinkRunner::beginTurn()

@@ -31,10 +31,11 @@ public:
     LinkRunner &operator=(const LinkRunner &) = delete;
 
     /// Starts the thread and returns when the port is open. Throws PortError if the port cannot be
-    /// opened; then the thread has ended or is about to end.
+    /// opened; then the thread has ended or is about to end. May be called again, also after stop().
     void start();
 
-    /// Ends the thread after the exchange in progress and waits for its end.
+    /// Ends the thread after the exchange in progress and waits for its end. Not from the thread
+    /// itself.
     void stop();
 
     /// Queues an order, which is executed on the communication thread between two turns.

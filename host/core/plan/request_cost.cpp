@@ -11,8 +11,6 @@ namespace velko
 namespace
 {
 
-const int REQUEST_BYTES = 8;
-
 std::vector<bool> neededRegisters(const RW_VAR &request, const Link &link)
 {
     std::vector<bool> needed(static_cast<size_t>(request.count));
@@ -64,7 +62,7 @@ int bytesOf(const Gap &gap)
 
 microseconds overheadTime(const LineSettings &line)
 {
-    return wireTime(line, REQUEST_BYTES + READ_OVERHEAD_BYTES) + 2 * frameGap(line);
+    return wireTime(line, SHORT_FRAME_BYTES + READ_OVERHEAD_BYTES) + 2 * frameGap(line);
 }
 
 bool isWorthSplitting(const Gap &gap, const LineSettings &line)

@@ -1,6 +1,6 @@
 #include "host/core/session/link_session.h"
 
-#include "host/core/plan/request_planner.h"
+#include "host/core/links/link_check.h"
 
 #include <algorithm>
 
@@ -11,6 +11,12 @@ using Lock = std::lock_guard<std::mutex>;
 
 namespace
 {
+
+const Link &checked(const Link &link)
+{
+    checkLink(link);
+    return link;
+}
 
 ValueRow rowOf(const Variable &variable, const CommunicationLoop &loop)
 {
@@ -23,10 +29,10 @@ ValueRow rowOf(const Variable &variable, const CommunicationLoop &loop)
 
 LinkSession::LinkSession(const std::string &libraryFile, const Link &link,
                          const std::vector<LineTap *> &taps, EventSink &sink)
-    : m_libraryFile(libraryFile),
-      m_loop(libraryFile, link, RequestPlanner(libraryFile).plan(link), taps, sink),
-      m_runner(m_loop),
-      m_link(std::make_shared<const Link>(link))
+    : m_planner(libraryFile),
+      m_link(std::make_shared<const Link>(checked(link))),
+      m_loop(libraryFile, link, m_planner.plan(link), taps, sink),
+      m_runner(m_loop)
 {
 }
 
@@ -42,11 +48,20 @@ void LinkSession::stop()
 
 void LinkSession::reload(const Link &link)
 {
-    const std::vector<PlannedRequest> plan = RequestPlanner(m_libraryFile).plan(link);
-    const auto kept = std::make_shared<const Link>(link);
+    apply(prepare(link));
+}
+
+LinkSession::Prepared LinkSession::prepare(const Link &link)
+{
+    return {std::make_shared<const Link>(checked(link)), m_planner.plan(link)};
+}
+
+void LinkSession::apply(const Prepared &prepared)
+{
     const Lock lock(m_mutex); // later writes use the new variables
-    m_link = kept;
-    m_runner.post([kept, plan](CommunicationLoop &loop) { loop.load(*kept, plan); });
+    m_link = prepared.link;
+    m_runner.post(
+        [prepared](CommunicationLoop &loop) { loop.load(*prepared.link, prepared.requests); });
 }
 
 int LinkSession::write(const std::string &variable, const std::string &text)

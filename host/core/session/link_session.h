@@ -6,6 +6,7 @@
 #include "host/core/links/link.h"
 #include "host/core/loop/communication_loop.h"
 #include "host/core/loop/link_runner.h"
+#include "host/core/plan/request_planner.h"
 #include "host/core/session/snapshot.h"
 
 #include <cstdint>
@@ -17,13 +18,14 @@
 namespace velko
 {
 
-/// Any thread may call. Calls of start(), stop() and reload() must not overlap.
+/// Any thread may call. Calls of start(), stop(), prepare() and reload() must not overlap.
 class LinkSession
 {
 public:
     /// Loads copies of the driver library file and plans the requests. `taps` and `sink` are the
-    /// caller's and outlive the session; both are called on the communication thread. Throws
-    /// std::runtime_error.
+    /// caller's and outlive the session; both are called on the communication thread and must not
+    /// throw. Throws std::invalid_argument for a link that checkLink() refuses, std::runtime_error
+    /// for a driver library file that cannot be used.
     LinkSession(const std::string &libraryFile, const Link &link,
                 const std::vector<LineTap *> &taps, EventSink &sink);
     /// As stop().
@@ -31,22 +33,32 @@ public:
     LinkSession(const LinkSession &) = delete;
     LinkSession &operator=(const LinkSession &) = delete;
 
-    /// Opens the port and starts the communication thread. Throws PortError.
+    /// Opens the port and starts the communication thread. Throws PortError; nothing runs then. May
+    /// be called again, also after stop().
     void start();
 
     /// Ends the communication thread after the exchange in progress. Reports queued writes as
-    /// failed.
+    /// failed. Not from the communication thread.
     void stop();
 
     /// Replaces the variables and the settings of the link. Its name must be the same. Queued
-    /// writes and stored values are kept, unless the settings of the line change. If it throws
-    /// std::runtime_error, nothing is changed.
+    /// writes and stored values are kept, unless the settings of the line change. Throws
+    /// std::invalid_argument for a link that checkLink() refuses; nothing is changed then.
     void reload(const Link &link);
+
+    /// The two halves of reload(), for several links that are to change together: only prepare()
+    /// throws, and it changes nothing.
+    struct Prepared {
+        std::shared_ptr<const Link> link;
+        std::vector<PlannedRequest> requests;
+    };
+    Prepared prepare(const Link &link);
+    void apply(const Prepared &prepared);
 
     /// Queues a write of a variable. `text`: a value in the variable's format. Returns the number
     /// of the write, at least 1, which its events contain; the last of these events is its result.
-    /// Returns 0 if there is no such variable. Only between start() and stop(): before and after,
-    /// nothing executes it.
+    /// Returns 0 if there is no such variable. The events may come before this returns. A write that
+    /// is given while the session is stopped is refused at the next start().
     int write(const std::string &variable, const std::string &text);
 
     /// Returns values and states. A value may be newer than its state, but not older.
@@ -62,13 +74,14 @@ public:
     std::shared_ptr<const Link> link() const;
 
 private:
-    const std::string m_libraryFile;
-    CommunicationLoop m_loop;
-    LinkRunner m_runner; // destroyed before the loop
+    RequestPlanner m_planner; // used by the thread that prepares
 
-    mutable std::mutex m_mutex; // guards all below
+    mutable std::mutex m_mutex; // guards the next two
     std::shared_ptr<const Link> m_link;
     int m_lastWrite = 0;
+
+    CommunicationLoop m_loop;
+    LinkRunner m_runner; // the last member: its thread ends before the others are destroyed
 };
 
 } // namespace velko

@@ -49,23 +49,19 @@ void PollSession::reload(const std::vector<Link> &links)
         return session->link()->name == link.name;
     };
     if (!std::equal(m_links.begin(), m_links.end(), links.begin(), links.end(), isSameLink))
-        throw std::runtime_error(
-            "its links are not the same as before; end the program and start it "
-            "again");
+        throw std::runtime_error("its links are not the same as before");
+    std::vector<LinkSession::Prepared> prepared;
+    prepared.reserve(links.size());
     for (size_t i = 0; i < links.size(); ++i)
-        m_links[i]->reload(links[i]);
+        prepared.push_back(m_links[i]->prepare(links[i]));
+    for (size_t i = 0; i < links.size(); ++i)
+        m_links[i]->apply(prepared[i]);
 }
 
-std::string PollSession::write(const std::string &assignment)
+bool PollSession::write(const std::string &variable, const std::string &text)
 {
-    const size_t place = assignment.find('=');
-    if (place == std::string::npos)
-        return "\"" + assignment + "\" is not NAME=VALUE";
-    const std::string name = assignment.substr(0, place);
-    const std::string text = assignment.substr(place + 1);
-    const bool isTaken = std::any_of(m_links.begin(), m_links.end(),
-                                     [&](const auto &link) { return link->write(name, text) > 0; });
-    return isTaken ? std::string() : "there is no variable \"" + name + "\"";
+    return std::any_of(m_links.begin(), m_links.end(),
+                       [&](const auto &link) { return link->write(variable, text) > 0; });
 }
 
 bool PollSession::haveCycled(int times) const

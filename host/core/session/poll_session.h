@@ -30,13 +30,13 @@ public:
     /// Stops every link. takeEvents() returns the last events afterwards.
     void stop();
 
-    /// Replaces the variables and settings of the links. Throws std::runtime_error if the names of
-    /// the links differ; then nothing is changed.
+    /// Replaces the variables and settings of all links. Throws std::runtime_error if the links are not
+    /// the same as before, std::invalid_argument if one of them is refused; nothing is changed then.
     void reload(const std::vector<Link> &links);
 
-    /// Queues a write. `assignment`: "NAME=VALUE". Returns the reason if it is refused, otherwise
-    /// an empty text; then an event reports the result.
-    std::string write(const std::string &assignment);
+    /// Queues a write of a variable of any link; its result is an event. False if no link has such a
+    /// variable.
+    bool write(const std::string &variable, const std::string &text);
 
     /// True if every link that has variables to read has completed at least `times` cycles.
     bool haveCycled(int times) const;

@@ -24,6 +24,13 @@ const int LOWEST_MAX_REGS = 2;
 const int HIGHEST_MAX_REGS_WRITING =
     122; // function 16 carries 123; even, so that no double word is cut
 const int HIGHEST_MAX_REGS_READING = 125;
+
+/// An odd number of registers per request would cut a double word in two.
+inline bool isWholeDoubleWords(int maxRegs)
+{
+    return maxRegs % 2 == 0;
+}
+
 const int HIGHEST_RETRIES = 100;
 const int HIGHEST_QUEUE_AGAIN = 100; // of one write, after it was given up
 

@@ -25,7 +25,7 @@ void StationStates::beginClearing(int station, int queuedWrites)
 {
     const Lock lock(m_mutex);
     m_entries.insert({station, {CLEARING, Clock::now(), {}, probePauses(), queuedWrites}});
-    ++m_absences[station].times;
+    ++m_past[station].timesOffline;
 }
 
 void StationStates::writeEnded()
@@ -102,15 +102,16 @@ StationStates::State StationStates::state(int station) const
     return place == m_entries.end() ? ONLINE : place->second.state;
 }
 
-StationAbsence StationStates::absenceOf(int station) const
+StationPresence StationStates::presenceOf(int station) const
 {
     const Lock lock(m_mutex);
-    const auto past = m_absences.find(station);
-    StationAbsence absence = past == m_absences.end() ? StationAbsence() : past->second;
+    const auto past = m_past.find(station);
+    StationPresence presence = past == m_past.end() ? StationPresence() : past->second;
     const auto present = m_entries.find(station);
-    if (present != m_entries.end())
-        absence.time += Clock::now() - present->second.since;
-    return absence;
+    presence.isOnline = present == m_entries.end();
+    if (!presence.isOnline)
+        presence.timeOffline += Clock::now() - present->second.since;
+    return presence;
 }
 
 void StationStates::takeOffline(Entries::value_type &place)
@@ -123,7 +124,7 @@ void StationStates::takeOffline(Entries::value_type &place)
 
 StationStates::Entries::iterator StationStates::takeOnline(Entries::iterator place)
 {
-    m_absences[place->first].time += Clock::now() - place->second.since;
+    m_past[place->first].timeOffline += Clock::now() - place->second.since;
     m_driver.EnCommStation(place->first, ENABLE);
     return m_entries.erase(place);
 }

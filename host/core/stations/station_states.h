@@ -13,10 +13,12 @@
 namespace velko
 {
 
-/// How many times, and for how long in total, a station was offline. Includes the present absence.
-struct StationAbsence {
-    int times = 0;
-    Clock::duration time = {};
+/// Whether a station is online; how many times, and for how long in total, it was offline, with the
+/// present absence.
+struct StationPresence {
+    bool isOnline = true;
+    int timesOffline = 0;
+    Clock::duration timeOffline = {};
 };
 
 class StationStates
@@ -61,7 +63,7 @@ public:
 
     State state(int station) const;
     bool isOnline(int station) const { return state(station) == ONLINE; }
-    StationAbsence absenceOf(int station) const;
+    StationPresence presenceOf(int station) const;
 
 private:
     struct Entry {
@@ -79,9 +81,9 @@ private:
 
     const DriverLibrary &m_driver;
 
-    mutable std::mutex m_mutex;               // guards all below
-    Entries m_entries;                        // stations that are not ONLINE
-    std::map<int, StationAbsence> m_absences; // without the present absence
+    mutable std::mutex m_mutex;            // guards all below
+    Entries m_entries;                     // stations that are not ONLINE
+    std::map<int, StationPresence> m_past; // without the present absence
 };
 
 } // namespace velko

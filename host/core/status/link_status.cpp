@@ -103,9 +103,9 @@ std::vector<StationStatus> LinkStatus::stations() const
     const Lock lock(m_mutex);
     std::vector<StationStatus> stations;
     for (const auto &[number, counters] : m_counters) {
-        const StationAbsence absence = m_stationStates.absenceOf(number);
+        const StationPresence presence = m_stationStates.presenceOf(number);
         stations.push_back(
-            {number, m_stationStates.isOnline(number), absence.times, absence.time, counters});
+            {number, presence.isOnline, presence.timesOffline, presence.timeOffline, counters});
     }
     return stations;
 }

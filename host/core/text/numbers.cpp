@@ -9,6 +9,13 @@
 namespace velko
 {
 
+bool hasLeadingZeros(const std::string &number)
+{
+    const size_t first = number.empty() || number[0] != '-' ? 0 : 1;
+    return number.size() > first + 1 && number[first] == '0'
+           && isDigits(number.substr(first + 1, 1));
+}
+
 bool isDigits(const std::string &text)
 {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
@@ -28,7 +35,7 @@ long long parseLongNumber(const std::string &text, long long lowest, long long h
     if (!isDigits(digits))
         throw std::invalid_argument(subject + " is not a whole number from "
                                     + rangeText(lowest, highest));
-    if (digits.size() > 1 && digits[0] == '0')
+    if (hasLeadingZeros(digits))
         throw std::invalid_argument(subject + ": write the number without leading zeros");
     long long number = 0;
     const std::errc error = std::from_chars(text.data(), text.data() + text.size(), number).ec;

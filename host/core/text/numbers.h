@@ -7,6 +7,9 @@
 namespace velko
 {
 
+/// True for "007" and "-007.5", false for "0.5" and "10".
+bool hasLeadingZeros(const std::string &number);
+
 /// True if the text consists of one or more of the digits 0 to 9.
 bool isDigits(const std::string &text);
 

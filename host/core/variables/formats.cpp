@@ -159,6 +159,8 @@ uint32_t parseFloat(const std::string &text)
     const std::from_chars_result result = std::from_chars(text.data(), end, number);
     if (result.ec == std::errc::invalid_argument || result.ptr != end || std::isnan(number))
         throw std::invalid_argument("\"" + text + "\" is not a number");
+    if (hasLeadingZeros(text))
+        throw std::invalid_argument("\"" + text + "\": write the number without leading zeros");
     if (result.ec != std::errc() || std::abs(number) >= FLOAT_OVERFLOW)
         throw std::invalid_argument("\"" + text
                                     + "\" is out of range: -3.4028235e38 to 3.4028235e38");
