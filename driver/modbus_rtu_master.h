@@ -6,6 +6,7 @@
 #include "velko_modbus_rtu.h"
 
 #include <QList>
+#include <QMap>
 #include <QMutex>
 
 #include <atomic>

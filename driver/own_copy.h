@@ -10,12 +10,12 @@
 /// Both return a copy that shares no byte with the argument. Null stays null.
 inline QString ownText(const QString &text)
 {
-    return text.isEmpty() ? text : QString(text.constData(), text.size());
+    return text.isNull() ? QString() : QString(text.constData(), text.size());
 }
 
 inline QByteArray ownBytes(const QByteArray &bytes)
 {
-    return bytes.isEmpty() ? bytes : QByteArray(bytes.constData(), bytes.size());
+    return bytes.isNull() ? QByteArray() : QByteArray(bytes.constData(), bytes.size());
 }
 
 /// Returns a copy of the record that may be kept after the call.

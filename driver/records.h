@@ -4,6 +4,7 @@
 
 #include "velko_modbus_rtu.h"
 
+#include <QByteArray>
 #include <QMap>
 
 /// Element type of the driver's extendList. Nothing fills that list.

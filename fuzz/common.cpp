@@ -140,7 +140,7 @@ void exchange(Input &input)
 
     const StationImages before = DataStorage;
     const int verdict = DataCom(reply.isEmpty() ? nullptr : &reply, received)->retCode;
-    const bool isGood = verdict == RESULT_GOOD || verdict == RESULT_REMOTE_NOT_STORED;
+    const bool isGood = velko_result_is_good(verdict);
     const bool isReadOrWrite = request.var.rwFlag == 0 || request.var.rwFlag == 1;
     assert(!waits || (isGood ? !isBad : how > 1 || !isWhole || !isReadOrWrite));
     assert((waits && verdict == RESULT_GOOD) || DataStorage == before);

@@ -56,7 +56,7 @@
 // Odd lengths of double words
 //   GetRegisterData, SetRegisterData, ReCreatReadVarList and the converting mode of
 //   AddListOnceReadVar round an odd length up to whole double words; value bytes that are missing
-//   count as 0. AddListWriteVar sends `count` registers as told: with an odd count the last
+//   count as 0. AddListWriteVar sends `count` registers as given: with an odd count the last
 //   register sent is the low half of a double word. The store is always written in whole double
 //   words. If a record of a double-word kind has an odd count, the store receives the whole last
 //   double word, and the bytes that the record's value lacks are 0. An odd maxRegs makes such
@@ -90,12 +90,12 @@
 //   In remote mode: always when the request is built, and SetRegisterData also at once if the last
 //   exchange failed.
 //   So a call of SetRegisterData made while the line was good, and built while it fails, is not
-//   shown. A write to the input area that AddListWriteVar queued is never sent, but it is shown by
-//   the same rule.
+//   shown. A write to the input area that AddListWriteVar queued is never sent outside remote mode,
+//   but it is shown by the same rule. Before the first exchange, the last one counts as good.
 //   The store continues to show a written value after its write was given up. The next read of the
 //   register replaces it.
 //
-// What hosts trip over
+// Traps
 //   - A null from ComCommunication does not mean idle: the turn that ends a burst of five writes,
 //     or of five one-shot reads, returns null if there is nothing else to send, while more are
 //     queued.
@@ -220,7 +220,7 @@ enum REQUEST_STATUS { REQUEST_DONE = 1, REQUEST_GIVEN_UP = 2 };
 enum RESULT_CODE {
     RESULT_WILL_REPEAT = 0,         ///< failed; ComCommunication returns the frame again
     RESULT_GOOD = 1,                ///< good exchange, or nothing was pending
-    RESULT_LOCAL_BAD_REPLY = 11,    ///< 11 to 22: wrong CRC, or fewer bytes in the array than told
+    RESULT_LOCAL_BAD_REPLY = 11,    ///< 11 to 22: wrong CRC, or the array is too short
     RESULT_LOCAL_NO_REPLY = 41,     ///< 41 to 52
     RESULT_LOCAL_WRONG_LENGTH = 71, ///< 71 to 82: an exception response (5 bytes) among them
     RESULT_REMOTE_NOT_STORED = 100, ///< good remote exchange whose data was not stored
@@ -296,7 +296,7 @@ struct Protocol {
 struct ComInfo {
     int hostWords[4] = {0, 0, 0, 0}; ///< the host's own; never touched
     /// (any thread) Maximum number of registers per request, 1 or more; less counts as 1. No
-    /// ceiling is applied: what a slave does not answer is given up. On the line the count of a
+    /// ceiling is applied: a request without a response is given up. On the line the count of a
     /// read wraps at 65,536. Choose an even number, up to 122 on a link that writes, up to 125 on
     /// one that only reads. With an odd one, double words are cut in two, see "Odd lengths of
     /// double words".
@@ -308,8 +308,8 @@ struct ComInfo {
     /// Failed exchanges that are tolerated; the next one gives the request up. Applies at once, to
     /// the request on the line as well.
     int retryLimit = 0;
-    /// (driver) Failed exchanges since the last give-up. The host may set it to 0, see "What hosts
-    /// trip over".
+    /// (driver) Failed exchanges since the last give-up. The host may set it to 0, see
+    /// "Traps".
     int retryCount = 0;
     /// (any thread) Not 0: one-shot reads and writes keep their own station, and a give-up removes
     /// only queued entries of the same station.
@@ -326,10 +326,11 @@ struct ComInfo {
     int localArea = 0;
     int commMode = 0; ///< (any thread) COMM_...: whether SetRegisterData writes to the device
     /// (driver) 1 after more requests of the own area in a row, reads or writes, than the cyclic
-    /// list has entries have ended well, without a failed exchange among them, or when there was
-    /// nothing to send. 0 after every failed exchange, and after a rebuild of the list (on the
-    /// thread that rebuilds). Read it on the communication thread. It shows a full cycle of the
-    /// list only while there are no other requests.
+    /// list has entries have ended well, without a failed exchange among them, or after
+    /// ComCommunication returned null, also for the null that ends a burst. 0 after every failed
+    /// exchange, and after a rebuild of the list (on the thread that rebuilds). Read it on the
+    /// communication thread, while no other thread is inside ReCreatReadVarList. It shows a full
+    /// cycle of the list only while there are no other requests.
     int cycleDone = 0;
     int linkId = 0; ///< first argument of RequestDoneFunc, from the next report on
 };
@@ -458,10 +459,10 @@ VELKO_API const Protocol *ComCommunication(void);
 /// Returns the driver's own record, valid until the next DataCom. Its retCode is the verdict
 /// (RESULT_...). Its other fields, `value` empty, change only if this call finished or gave up a
 /// request: they are then the request's. For a cyclic read during which the list was rebuilt they
-/// are those of the new list's first entry. If the new list is empty, they remain those of the
-/// request that was finished before, next to the verdict on this one, and CommFailFunc receives
-/// that request's ownerId. Takes the store lock, then the list lock; calls the callbacks under the
-/// latter.
+/// are those of the new list's first entry, which moves to the end of the list without having been
+/// read. If the new list is empty, they remain those of the request that was finished before, next
+/// to the verdict on this one, and CommFailFunc receives that request's ownerId. Takes the store
+/// lock, then the list lock; calls the callbacks under the latter.
 VELKO_API const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived);
 
 // --- Lists ---
@@ -469,15 +470,17 @@ VELKO_API const RW_VAR *DataCom(const QByteArray *reply, int bytesReceived);
 /// Rebuilds the cyclic read list from the host's items. Each item becomes a range of registers. In
 /// ascending order of their registers, ranges of one area are merged if they touch or overlap what
 /// is merged already, or if they begin at most maxRegs registers after its first one; then they are
-/// cut to at most maxRegs registers. If the lowest range of an area is cut without a rest, a range
-/// that lies within it makes a request of its own: its registers are read twice. Every item gets
-/// ComInfo's defaultStation; with 0 the list stays empty. An item is left out if its address is
-/// invalid or if it covers more than LIMIT_REGISTERS. An item that covers none makes no request of
-/// its own, but can lengthen the one that it is merged into. Restarts the cycle (cycleDone 0),
-/// unless the host's list is empty. `items` is the host's and only read. Returns the number of
-/// requests in the list. Any thread. Items and ComInfo are read, and the items sorted, before the
-/// list lock is taken to replace the list; if two threads call at a time, the list is that of the
-/// one that takes the lock last.
+/// cut to at most maxRegs registers. If the lowest range of an area is longer than maxRegs, whole
+/// pieces of maxRegs registers are cut off first, and the reach counts from the first register of
+/// its rest. If the lowest range of an area is cut without a rest, a range that lies within it
+/// makes a request of its own: its registers are read twice. Every item gets ComInfo's
+/// defaultStation; with 0 the list becomes empty. An item is left out if its address is invalid or
+/// if it covers more than LIMIT_REGISTERS. An item that covers none makes no request of its own,
+/// but can lengthen the one that it is merged into. Restarts the cycle (cycleDone 0), unless the
+/// host's list is empty. `items` is the host's and only read. Returns the number of requests in the
+/// list. Any thread. Items and ComInfo are read, and the items sorted, before the list lock is
+/// taken to replace the list; if two threads call at a time, the list is that of the one that takes
+/// the lock last.
 VELKO_API int ReCreatReadVarList(const QList<VAR_ITEM> *items);
 
 /// Appends a copy of a ready-made read request to the cyclic list, unchecked: varKind an AREA_...,
@@ -505,10 +508,11 @@ VELKO_API int AddListWriteVar(const RW_VAR *request, int mode);
 /// registers; the last piece reports for all. Pieces that are queued already (same ownerId,
 /// ownerTag, station, varKind, addr, count) are not queued again, and pieces are dropped without a
 /// report if LIMIT_QUEUE_ENTRIES are queued. The caller's record is rewritten: to the register
-/// range of the last piece, its station to defaultStation unless perVarStation is set. Returns the
-/// queue's length; 0 for an invalid kind or address, station 0, a negative length or one of more
-/// than LIMIT_REGISTERS. A length of 0 queues nothing, unless a bit or byte begins inside a
-/// register. Any thread. Takes the list lock, for all pieces at once.
+/// range of the last piece, rmwMark and remoteArg 0, its station to defaultStation unless
+/// perVarStation is set (also if the call returns 0). Returns the queue's length; 0 for an invalid
+/// kind or address, station 0, a negative length or one of more than LIMIT_REGISTERS. A length of 0
+/// queues nothing, unless a bit or byte begins inside a register. Any thread. Takes the list lock,
+/// for all pieces at once.
 VELKO_API int AddListOnceReadVar(RW_VAR *request, int mode);
 
 /// Disables (enable 0) or enables (1) a station; other values of `enable` do nothing. A negative

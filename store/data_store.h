@@ -4,6 +4,8 @@
 
 #include "driver/records.h"
 
+#include <QByteArray>
+
 /// Returns the image of an area of a station. If there is none, inserts an empty one. The reference
 /// is valid while storeMutex is held.
 AreaImage &areaImage(int station, int areaCode);

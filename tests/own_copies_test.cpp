@@ -128,6 +128,23 @@ const Entry ENTRIES[] = {
 
 } // namespace
 
+// An empty text is no null one, but its handle may still point into the host.
+TEST(OwnCopies, OfEmptyTextsAndValues)
+{
+    DriverUnderTest test;
+    RW_VAR record;
+    record.varKind = AREA_HOLDING;
+    record.count = 1;
+    record.varName = QStringLiteral("");
+    record.value = QByteArrayLiteral("");
+    test.driver.AddListReadVar(&record);
+    const RW_VAR &kept = test.core.readList.first();
+    EXPECT_NE(kept.varName.constData(), record.varName.constData());
+    EXPECT_NE(kept.value.constData(), record.value.constData());
+    EXPECT_FALSE(kept.varName.isNull() || kept.value.isNull());
+    EXPECT_TRUE(kept.addrText.isNull());
+}
+
 TEST(OwnCopies, OfWhatAHostUsesAgainAndFrees)
 {
     for (const Entry &entry : ENTRIES) {

@@ -128,7 +128,7 @@ protected:
             const QByteArray reply = exchange(port, request->frame, request->replyLen);
             ++m_sent;
             const int verdict = m_driver.DataCom(&reply, reply.size())->retCode;
-            if (verdict == RESULT_GOOD)
+            if (velko_result_is_good(verdict))
                 ++m_good;
             if (verdict != RESULT_WILL_REPEAT)
                 m_info.retryCount = 0; // count the failures of each request separately
@@ -165,7 +165,7 @@ bool report(const Line &line, const char *name)
         return false;
     }
     if (line.good() == 0) {
-        std::fprintf(stderr, "two_lines: %s: station 1 does not answer\n", name);
+        std::fprintf(stderr, "two_lines: %s: station 1 does not respond\n", name);
         return false;
     }
     std::printf("%s: register 100 is %d; %d of %d exchanges were good\n", name, line.read(),

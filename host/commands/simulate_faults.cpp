@@ -1,6 +1,5 @@
 #include "host/commands/simulate_faults.h"
 
-#include "host/commands/number_options.h"
 #include "host/core/text/numbers.h"
 
 #include <algorithm>

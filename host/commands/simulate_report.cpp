@@ -5,7 +5,6 @@
 #include "host/core/text/joined.h"
 #include "host/core/text/numbers.h"
 #include "host/plc/station_memory.h"
-#include "host/views/text_table.h"
 
 #include <algorithm>
 #include <cstdio>
