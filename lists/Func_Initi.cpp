@@ -17,37 +17,34 @@ namespace
 /// Station -> area code -> requests, both in ascending order.
 typedef QMap<int, QMap<int, QList<RW_VAR>>> RequestGroups;
 
-/// Returns the present index of each record, in sorted order.
-std::vector<int> sortedPlaces(const QList<RW_VAR> &records)
+/// Address, then index: records with equal addresses keep their order.
+typedef std::pair<int, int> SortKey;
+
+std::vector<SortKey> sortedKeys(const QList<RW_VAR> &records)
 {
-    std::vector<std::pair<int, int>> keys; // address, then index: equal addresses keep their order
+    std::vector<SortKey> keys;
     keys.reserve(static_cast<size_t>(records.size()));
     for (int i = 0; i < records.size(); ++i)
-        keys.push_back(std::make_pair(records.at(i).addr, i));
+        keys.push_back(SortKey(records.at(i).addr, i));
     std::sort(keys.begin(), keys.end());
-    std::vector<int> places;
-    places.reserve(keys.size());
-    for (size_t i = 0; i < keys.size(); ++i)
-        places.push_back(keys[i].second);
-    return places;
+    return keys;
 }
 
-/// Moves the record at places[i] to i, each record once. Overwrites `places`.
-void moveTo(std::vector<int> &places, const QList<RW_VAR>::iterator &records)
+/// Moves the record with the index of keys[i] to i, each record once. Overwrites the indices.
+void moveTo(SortKey *keys, int count, const QList<RW_VAR>::iterator &records)
 {
-    for (int start = 0; start < static_cast<int>(places.size()); ++start) {
-        if (places[static_cast<size_t>(start)] == start)
+    for (int start = 0; start < count; ++start) {
+        if (keys[start].second == start)
             continue;
         RW_VAR first = std::move(records[start]);
         int to = start;
-        for (int from = places[static_cast<size_t>(to)]; from != start;) {
+        for (int from = keys[to].second; from != start; from = keys[to].second) {
             records[to] = std::move(records[from]);
-            places[static_cast<size_t>(to)] = to;
+            keys[to].second = to;
             to = from;
-            from = places[static_cast<size_t>(to)];
         }
         records[to] = std::move(first);
-        places[static_cast<size_t>(to)] = to;
+        keys[to].second = to;
     }
 }
 
@@ -67,6 +64,15 @@ void mergeInto(RW_VAR &current, const RW_VAR &next)
 {
     if (endOf(next) > endOf(current))
         current.count = static_cast<int>(endOf(next) - current.addr);
+}
+
+// Removes the first `merged` records and takes the next one. What is freed here serves the next
+// request of the list; freed at the end, it costs more instructions.
+RW_VAR takeBehind(QList<RW_VAR> &group, int merged)
+{
+    if (merged > 0)
+        group.erase(group.begin(), group.begin() + merged);
+    return group.takeFirst();
 }
 
 // Calls `work` for each group, in ascending order of station and area.
@@ -122,8 +128,8 @@ RequestGroups groupItems(const QList<VAR_ITEM> &items, const ComInfo &info)
 void Bubble_Sort(QList<RW_VAR> *records)
 {
     // Records are large, so only their addresses are sorted and each record is moved at most once.
-    std::vector<int> places = sortedPlaces(*records);
-    moveTo(places, records->begin());
+    std::vector<SortKey> keys = sortedKeys(*records);
+    moveTo(keys.data(), records->size(), records->begin());
 }
 
 void addressAdd(RW_VAR &record, int maxRegs, bool keepRest)
@@ -141,18 +147,19 @@ void BitVarReCreat(QList<RW_VAR> *group, int maxRegs)
 {
     if (group->isEmpty())
         return;
-    RW_VAR current = group->first();
+    RW_VAR current = group->takeFirst();
     addressAdd(current, maxRegs, false);
-    for (int i = 1; i < group->size(); ++i) {
-        const RW_VAR &next = group->at(i);
-        if (current.count == 0) {
-            current = next;
-        } else if (isApart(current, next, usableMaxRegs(maxRegs))) {
-            addressAdd(current, maxRegs, true);
-            current = next;
-        } else {
+    int merged = 0; // records at the head of the group that are in `current` already
+    while (merged < group->size()) {
+        const RW_VAR &next = group->at(merged);
+        if (current.count != 0 && !isApart(current, next, usableMaxRegs(maxRegs))) {
             mergeInto(current, next);
+            ++merged;
+            continue;
         }
+        addressAdd(current, maxRegs, true);
+        current = takeBehind(*group, merged);
+        merged = 0;
     }
     addressAdd(current, maxRegs, true);
 }

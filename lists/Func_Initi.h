@@ -11,7 +11,8 @@
 /// Sorts by first register. Records with the same first register keep their order.
 void Bubble_Sort(QList<RW_VAR> *records);
 
-/// Merges one sorted group of one station and area into requests and appends them to readList.
+/// Merges one sorted group of one station and area into requests and appends them to readList. Takes
+/// records out of the group.
 void BitVarReCreat(QList<RW_VAR> *group, int maxRegs);
 
 /// Appends the record to readList in pieces of exactly maxRegs registers. If `keepRest` is true,
