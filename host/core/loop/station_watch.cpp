@@ -91,7 +91,7 @@ void StationWatch::watchSilence(int station, const Verdict &verdict)
         return;
     m_states.beginClearing(station, m_driver.queuedWrites());
     m_reporter.report(Event::STATION_OFFLINE, std::to_string(station),
-                      "no response; it is probed at growing intervals; the other stations are polled as before");
+                      "no response; it is probed at growing intervals");
 }
 
 void StationWatch::requestEnded(const RW_VAR &request)
