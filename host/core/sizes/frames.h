@@ -15,11 +15,12 @@ const int EXCEPTION_BYTES = 1 + 1 + 1 + CRC_BYTES;
 /// CRC.
 const int SHORT_FRAME_BYTES = 1 + 1 + 2 + 2 + CRC_BYTES;
 
-/// Of a read response: station, function, byte count.
+/// Header of a read response: station, function, byte count.
 const int READ_HEADER_BYTES = 1 + 1 + 1;
 const int READ_OVERHEAD_BYTES = READ_HEADER_BYTES + CRC_BYTES;
 
-/// Of a request that writes several values: station, function, register address, count, byte count.
+/// Header of a request that writes several values: station, function, register address, count, byte
+/// count.
 const int WRITE_HEADER_BYTES = 1 + 1 + 2 + 2 + 1;
 
 // Function codes.
