@@ -218,14 +218,14 @@ enum REQUEST_STATUS { REQUEST_DONE = 1, REQUEST_GIVEN_UP = 2 };
 /// "Local" are requests whose areaNo equals ComInfo's localArea (all that the driver builds),
 /// "remote" are the others. An error code means that the request was given up.
 enum RESULT_CODE {
-    RESULT_WILL_REPEAT = 0,         ///< failed; ComCommunication returns the frame again
-    RESULT_GOOD = 1,                ///< good exchange, or nothing was pending
-    RESULT_LOCAL_BAD_REPLY = 11,    ///< 11 to 22: wrong CRC, or the array is too short
-    RESULT_LOCAL_NO_REPLY = 41,     ///< 41 to 52
-    RESULT_LOCAL_WRONG_LENGTH = 71, ///< 71 to 82: an exception response (5 bytes) among them
-    RESULT_REMOTE_NOT_STORED = 100, ///< good remote exchange whose data was not stored
-    RESULT_REMOTE_BAD_REPLY = 111,  ///< 111 to 122
-    RESULT_REMOTE_NO_REPLY = 141,   ///< 141 to 152
+    RESULT_WILL_REPEAT = 0,           ///< failed; ComCommunication returns the frame again
+    RESULT_GOOD = 1,                  ///< good exchange, or nothing was pending
+    RESULT_LOCAL_BAD_REPLY = 11,      ///< 11 to 22: wrong CRC, or the array is too short
+    RESULT_LOCAL_NO_REPLY = 41,       ///< 41 to 52
+    RESULT_LOCAL_WRONG_LENGTH = 71,   ///< 71 to 82: an exception response (5 bytes) among them
+    RESULT_REMOTE_NOT_STORED = 100,   ///< good remote exchange whose data was not stored
+    RESULT_REMOTE_BAD_REPLY = 111,    ///< 111 to 122
+    RESULT_REMOTE_NO_REPLY = 141,     ///< 141 to 152
     RESULT_REMOTE_WRONG_LENGTH = 171, ///< 171 to 182
     RESULT_UNKNOWN_OUTCOME = 200,     ///< never returned by DataCom
     RESULT_CLASS_SPAN = 12
