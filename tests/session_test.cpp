@@ -102,9 +102,9 @@ TEST(LinkSession, AnotherListOfVariables)
 
 TEST(LinkSession, EveryWriteBeforeTheEndHasAResult)
 {
-    for (int i = 0; i < 20; ++i) {
+    for (unsigned long pause = 0; pause < 6000; pause += 300) { // microseconds
         SessionUnderTest test;
-        QThread::usleep(static_cast<unsigned long>(i * 300));
+        QThread::usleep(pause);
         for (int number = 1; number <= 5; ++number)
             EXPECT_EQ(test.session->write(number % 2 == 0 ? "a" : "b", "1"), number);
         test.session->stop();
