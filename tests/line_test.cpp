@@ -6,6 +6,7 @@
 #include "host/core/line/serial_line.h"
 #include "host/core/loading/driver_copy.h"
 #include "host/core/text/hex.h"
+#include "host/core/trust/open_requests.h"
 #include "host/plc/simulated_plc.h"
 #include "tests/script.h"
 
@@ -49,9 +50,21 @@ struct LineUnderTest {
 
     Exchange exchange(const char *hex, int replyLength)
     {
+        return exchange(frame(hex), replyLength);
+    }
+
+    Exchange exchange(const QByteArray &request, int replyLength)
+    {
         if (!line)
-            line = std::make_unique<SerialLine>(settings, taps);
-        return line->exchange(frame(hex), replyLength);
+            line = std::make_unique<SerialLine>(settings, taps, open);
+        line->awaitFrameGap();
+        open.begin(request, replyLength, OpenRequests::REQUEST);
+        const Exchange exchange = line->exchange(
+            request, replyLength,
+            {settings.responseTimeout, settings.guardTime.value_or(settings.responseTimeout)});
+        open.end();
+        open.forget(request.at(0)); // a line alone is not protected against late responses
+        return exchange;
     }
 
     /// Returns the reply and the outcome, such as "01 04 02 (cut)".
@@ -65,6 +78,7 @@ struct LineUnderTest {
 
     SimulatedPlc plc;
     LineTaps taps;
+    OpenRequests open;
     LineSettings settings;
     std::unique_ptr<SerialLine> line;
 };
@@ -181,7 +195,8 @@ TEST(Line, EndsExchangeIfLineNeverFallsSilent)
     settings.responseTimeout = 100;
     settings.interCharacterTimeout = 20;
     const LineTaps taps;
-    SerialLine line(settings, taps);
+    OpenRequests open;
+    SerialLine line(settings, taps, open);
     std::atomic<bool> stop{false};
     std::thread transmitter([&] {
         std::array<char, 8> request;
@@ -191,7 +206,7 @@ TEST(Line, EndsExchangeIfLineNeverFallsSilent)
             count = ::write(master, "\x55", 1);
     });
     const Clock::time_point start = Clock::now();
-    EXPECT_EQ(line.exchange(frame("01 03 00 00 00 01"), 7).reply.size(), 7);
+    EXPECT_EQ(line.exchange(frame("01 03 00 00 00 01"), 7, {100, 100}).reply.size(), 7);
     EXPECT_LT(millisecondsSince(start), milliseconds(1500));
     stop = true;
     transmitter.join();
@@ -202,22 +217,31 @@ TEST(Line, EndsExchangeIfLineNeverFallsSilent)
 TEST(Line, ResponseFilter)
 {
     // The late response to a write of register 0 arrives before the response for register 1.
-    ResponseFilter ofWrite(frame("01 10 00 01 00 01 02 00 07"), 8);
-    ofWrite.add(frame("01 10 00 00 00 01"));
+    OpenRequests open;
+    const QByteArray write = frame("01 10 00 01 00 01 02 00 07");
+    open.begin(write, 8, OpenRequests::REQUEST);
+    ResponseFilter ofWrite(open, write, 8);
+    ofWrite.add(frame("01 10 00 00 00 01"), {});
     EXPECT_FALSE(ofWrite.hasBegun());
-    ofWrite.add(frame("01 10 00 01 00 01") + QByteArray("x"));
+    ofWrite.add(frame("01 10 00 01 00 01") + QByteArray("x"), {});
     EXPECT_EQ(ofWrite.response(), frame("01 10 00 01 00 01"));
     EXPECT_EQ(ofWrite.takeRest(), "x");
     for (const QStringList &row : rowsOf("responses.table")) {
-        ResponseFilter filter(frame("01 03 00 00 00 01"), 7);
+        OpenRequests requests;
+        const QByteArray read = frame("01 03 00 00 00 01");
+        requests.begin(read, 7, OpenRequests::REQUEST);
+        ResponseFilter filter(requests, read, 7);
         for (const QString &part : row.at(0).split('/')) {
             filter.gap();
             // Single bytes are the most difficult case.
             for (const char byte : QByteArray::fromHex(part.toLatin1()))
-                filter.add(QByteArray(1, byte));
+                filter.add(QByteArray(1, byte), {});
         }
+        QByteArray dropped;
+        for (const ResponseFilter::Dropped &piece : filter.takeDropped())
+            dropped += piece.bytes;
         const QStringList seen = {row.at(0), QString::fromStdString(hexText(filter.response())),
-                                  QString::fromStdString(hexText(filter.takeDropped())),
+                                  QString::fromStdString(hexText(dropped)),
                                   filter.isComplete() ? "complete" : "waits"};
         EXPECT_EQ(seen, row) << qPrintable(seen.join(" | "));
     }
@@ -228,9 +252,15 @@ namespace
 
 /// Records when each request was sent, by the host's clock, or slightly earlier.
 struct Stamps : LineTap {
-    void sent(const std::string &, const QByteArray &) override { times.push_back(Clock::now()); }
-    void received(const std::string &, const QByteArray &) override { response = Clock::now(); }
-    void dropped(const std::string &, const QByteArray &) override {}
+    void sent(const std::string &, const QByteArray &, Clock::time_point time) override
+    {
+        times.push_back(time);
+    }
+    void received(const std::string &, const QByteArray &, Clock::time_point time) override
+    {
+        response = time;
+    }
+    void dropped(const std::string &, const QByteArray &, Clock::time_point) override {}
     void judged(const std::string &, const std::string &) override {}
 
     std::vector<Clock::time_point> times;
@@ -259,7 +289,6 @@ int wrongValues(int guard, size_t exchanges)
         items.append(item);
     }
     driver->ReCreatReadVarList(&items);
-    test.line = std::make_unique<SerialLine>(test.settings, test.taps);
     std::mt19937 random(1);
     std::uniform_int_distribution<int> delay(timeout + 1, timeout + timeout * 95 / 100);
     Stamps stamps;
@@ -270,7 +299,7 @@ int wrongValues(int guard, size_t exchanges)
         const bool isLate = random() % 4 != 0;
         test.plc.setFault(1, {isLate ? Fault::LATE : Fault::NONE, delay(random), 1});
         const Protocol request = *driver->ComCommunication();
-        const QByteArray reply = test.line->exchange(request.frame, request.replyLen).reply;
+        const QByteArray reply = test.exchange(request.frame, request.replyLen).reply;
         if (driver->DataCom(&reply, reply.size())->retCode != RESULT_GOOD) {
             isDisturbed = false; // the guard time has passed
             continue;

@@ -119,16 +119,13 @@ TEST_F(LoopTest, ADeadStationDoesNotSlowTheOthers)
     for (size_t i = seen; i < plc->requests().size(); ++i)
         if (byteAt(plc->requests()[i].frame, 0) == 2)
             probes.push_back(plc->requests()[i].arrival);
-    ASSERT_EQ(probes.size(), 3U); // at once, half a second later, a second after that
-    const milliseconds cost(60);  // time-out and guard
-    EXPECT_GE(probes[1] - probes[0], milliseconds(500) + cost);
-    EXPECT_LT(probes[1] - probes[0], milliseconds(800) + cost);
-    EXPECT_GE(probes[2] - probes[1], milliseconds(1000) + cost);
+    ASSERT_EQ(probes.size(), 3U); // at once, then at growing intervals
+    EXPECT_GE(probes[1] - probes[0], milliseconds(500));
+    EXPECT_GE(probes[2] - probes[1], milliseconds(1000));
 
     fault("2:none");
-    ASSERT_TRUE(turnUntil([this] { return loop->status().isOnline(2); }));
+    ASSERT_TRUE(turnUntil([this] { return value("s2") == "good 38793"; }));
     EXPECT_EQ(taken(Event::STATION), "2 online\n");
-    EXPECT_EQ(value("s2"), "good 38793");
 }
 
 TEST_F(LoopTest, MoreWritesThanATurnsBurst)

@@ -67,7 +67,7 @@ void SimulatedPlc::handle(const QByteArray &frame, TimePoint arrival)
         const std::lock_guard<std::mutex> lock(m_mutex);
         entry = m_log.add(arrival, frame);
     }
-    m_settings.taps.sent(frame);
+    m_settings.taps.sent(frame, arrival);
     const bool isUnderstood = echo(frame) && endsInItsCrc(frame);
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (isUnderstood)
@@ -120,7 +120,7 @@ void SimulatedPlc::sendDue()
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_line->send(chunk.bytes);
         m_log.noteEnd(chunk.entry);
-        m_settings.taps.received(chunk.whole);
+        m_settings.taps.received(chunk.whole, Clock::now());
     }
 }
 

@@ -20,13 +20,15 @@ public:
     /// `stream` is the caller's and outlives the tap.
     explicit TraceTap(std::FILE *stream) : m_stream(stream) {}
 
-    void sent(const std::string &link, const QByteArray &frame) override;
-    void received(const std::string &link, const QByteArray &reply) override;
-    void dropped(const std::string &link, const QByteArray &bytes) override;
+    void sent(const std::string &link, const QByteArray &frame, Clock::time_point time) override;
+    void received(const std::string &link, const QByteArray &reply,
+                  Clock::time_point time) override;
+    void dropped(const std::string &link, const QByteArray &bytes, Clock::time_point time) override;
     void judged(const std::string &link, const std::string &verdict) override;
 
 private:
-    void print(const std::string &link, const char *mark, const std::string &text);
+    void print(const std::string &link, const char *mark, const std::string &text,
+               Clock::time_point time);
 
     std::mutex m_mutex; // one line at a time
     std::FILE *m_stream;

@@ -1,7 +1,5 @@
 #include "host/core/line/capture_tap.h"
 
-#include <sys/time.h>
-
 #include <stdexcept>
 
 namespace velko
@@ -12,6 +10,7 @@ namespace
 
 const int LINK_TYPE = 147;        // the first one for private use
 const int LONGEST_RECORD = 65535; // bytes
+const int MICROSECONDS = 1000000; // of a second
 
 } // namespace
 
@@ -25,19 +24,19 @@ CaptureTap::CaptureTap(const std::string &path)
                                  + std::string(pcap_geterr(m_format.get())));
 }
 
-void CaptureTap::sent(const std::string &, const QByteArray &frame)
+void CaptureTap::sent(const std::string &, const QByteArray &frame, Clock::time_point time)
 {
-    write(frame);
+    write(frame, time);
 }
 
-void CaptureTap::received(const std::string &, const QByteArray &reply)
+void CaptureTap::received(const std::string &, const QByteArray &reply, Clock::time_point time)
 {
-    write(reply);
+    write(reply, time);
 }
 
-void CaptureTap::dropped(const std::string &, const QByteArray &bytes)
+void CaptureTap::dropped(const std::string &, const QByteArray &bytes, Clock::time_point time)
 {
-    write(bytes);
+    write(bytes, time);
 }
 
 void CaptureTap::judged(const std::string &, const std::string &)
@@ -53,11 +52,13 @@ void CaptureTap::finish()
         throw std::runtime_error("the capture file " + m_path + " is not complete: writing failed");
 }
 
-void CaptureTap::write(const QByteArray &bytes)
+void CaptureTap::write(const QByteArray &bytes, Clock::time_point time)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     pcap_pkthdr header = {};
-    ::gettimeofday(&header.ts, nullptr);
+    const auto stamp = wallClockTime(time).count();
+    header.ts.tv_sec = static_cast<time_t>(stamp / MICROSECONDS);
+    header.ts.tv_usec = static_cast<suseconds_t>(stamp % MICROSECONDS);
     header.len = header.caplen = static_cast<bpf_u_int32>(bytes.size());
     pcap_dump(reinterpret_cast<u_char *>(m_file.get()), &header,
               reinterpret_cast<const u_char *>(bytes.constData()));

@@ -23,9 +23,10 @@ public:
     /// Overwrites the file. Throws std::runtime_error.
     explicit CaptureTap(const std::string &path);
 
-    void sent(const std::string &link, const QByteArray &frame) override;
-    void received(const std::string &link, const QByteArray &reply) override;
-    void dropped(const std::string &link, const QByteArray &bytes) override;
+    void sent(const std::string &link, const QByteArray &frame, Clock::time_point time) override;
+    void received(const std::string &link, const QByteArray &reply,
+                  Clock::time_point time) override;
+    void dropped(const std::string &link, const QByteArray &bytes, Clock::time_point time) override;
     /// Flushes the file.
     void judged(const std::string &link, const std::string &verdict) override;
 
@@ -33,7 +34,7 @@ public:
     void finish();
 
 private:
-    void write(const QByteArray &bytes);
+    void write(const QByteArray &bytes, Clock::time_point time);
 
     std::string m_path;
     std::mutex m_mutex; // guards the file

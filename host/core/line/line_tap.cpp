@@ -3,24 +3,24 @@
 namespace velko
 {
 
-void LineTaps::sent(const QByteArray &frame) const
+void LineTaps::sent(const QByteArray &frame, Clock::time_point time) const
 {
     for (LineTap *const tap : taps)
-        tap->sent(link, frame);
+        tap->sent(link, frame, time);
 }
 
-void LineTaps::received(const QByteArray &reply) const
+void LineTaps::received(const QByteArray &reply, Clock::time_point time) const
 {
     for (LineTap *const tap : taps)
         if (!reply.isEmpty())
-            tap->received(link, reply);
+            tap->received(link, reply, time);
 }
 
-void LineTaps::dropped(const QByteArray &bytes) const
+void LineTaps::dropped(const QByteArray &bytes, Clock::time_point time) const
 {
     for (LineTap *const tap : taps)
         if (!bytes.isEmpty())
-            tap->dropped(link, bytes);
+            tap->dropped(link, bytes, time);
 }
 
 void LineTaps::judged(const std::string &verdict) const

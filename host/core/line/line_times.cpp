@@ -5,6 +5,12 @@
 namespace velko
 {
 
+microseconds wallClockTime(Clock::time_point moment)
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<microseconds>(now - (Clock::now() - moment));
+}
+
 microseconds wireTime(const LineSettings &settings, int characters)
 {
     const int bits = 9 + (settings.parity == 'N' ? 0 : 1) + settings.stopBits;

@@ -12,6 +12,9 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
+/// Returns the wall-clock time of a moment. Microseconds since 1970.
+microseconds wallClockTime(Clock::time_point moment);
+
 /// Returns the transmission time of `characters` characters, each with a start bit, 8 data bits,
 /// parity and stop bits.
 microseconds wireTime(const LineSettings &settings, int characters);

@@ -7,23 +7,27 @@
 namespace velko
 {
 
-ResponseFilter::ResponseFilter(const QByteArray &request, int responseLength)
-    : m_request(request),
+ResponseFilter::ResponseFilter(FrameJudge &judge) : m_judge(judge) {}
+
+ResponseFilter::ResponseFilter(FrameJudge &judge, const QByteArray &request, int responseLength)
+    : m_judge(judge),
+      m_request(request),
       m_responseLength(responseLength)
 {
 }
 
-void ResponseFilter::add(const QByteArray &bytes)
+void ResponseFilter::add(const QByteArray &bytes, Clock::time_point arrival)
 {
     m_bytes.append(bytes);
-    dropForeign();
+    m_arrival = arrival;
+    scan();
 }
 
 void ResponseFilter::gap()
 {
     while (!m_bytes.isEmpty() && !hasBegun()) {
-        drop(1);
-        dropForeign();
+        drop(1, false);
+        scan();
     }
 }
 
@@ -34,87 +38,88 @@ bool ResponseFilter::hasBegun() const
 
 bool ResponseFilter::isComplete() const
 {
-    if (!hasBegun())
-        return false;
-    if (isException())
+    if (m_acceptedLength > 0)
         return true;
     // A longer frame of this station and function may be a late response to another request. Its
     // end decides.
-    return m_bytes.size() >= m_responseLength
-           && (m_bytes.size() >= frameLength(m_bytes)
-               || endsInItsCrc(m_bytes.left(m_responseLength)));
+    return hasBegun() && m_bytes.size() >= m_responseLength
+           && m_bytes.size() >= frameLength(m_bytes);
 }
 
 QByteArray ResponseFilter::response() const
 {
     if (!hasBegun())
         return QByteArray();
-    return m_bytes.left(isException() ? EXCEPTION_BYTES : m_responseLength);
+    return m_bytes.left(m_acceptedLength > 0 ? m_acceptedLength : m_responseLength);
+}
+
+std::vector<ResponseFilter::Dropped> ResponseFilter::takeDropped()
+{
+    std::vector<Dropped> dropped;
+    dropped.swap(m_dropped);
+    m_mayJoinNoise = false;
+    return dropped;
 }
 
 QByteArray ResponseFilter::takeRest()
 {
     QByteArray rest = m_bytes.mid(response().size());
     m_bytes.clear();
+    m_acceptedLength = 0;
     return rest;
-}
-
-QByteArray ResponseFilter::takeDropped()
-{
-    QByteArray dropped;
-    dropped.swap(m_dropped);
-    return dropped;
 }
 
 bool ResponseFilter::beginsLikeResponse() const
 {
-    return m_bytes.at(0) == m_request.at(0)
+    return !m_request.isEmpty() && m_bytes.at(0) == m_request.at(0)
            && (m_bytes.size() < 2
                || (byteAt(m_bytes, 1) & ~EXCEPTION_FLAG) == byteAt(m_request, 1));
 }
 
-bool ResponseFilter::isException() const
+// The length of the whole frame at the beginning of the bytes, or 0. The driver finds the end of a
+// response by the length that it expects, so a frame that ends there in its CRC is whole as well.
+int ResponseFilter::wholeFrameLength() const
 {
-    return isExceptionTo(m_request, m_bytes.left(EXCEPTION_BYTES));
-}
-
-// The response to a write contains its register addresses. The response to a read can only be
-// recognised by its length.
-bool ResponseFilter::fitsRequest(int length) const
-{
-    return length == m_responseLength
-           && (byteAt(m_request, 1) != WRITE_MULTIPLE_REGISTERS
-               || m_bytes.mid(2, 4) == m_request.mid(2, 4));
-}
-
-// Number of leading bytes that cannot belong to the response.
-int ResponseFilter::foreignBytes() const
-{
-    if (isException())
-        return 0;
+    const auto isWhole = [this](int length) {
+        return length > 0 && m_bytes.size() >= length && endsInItsCrc(m_bytes.left(length));
+    };
     const int length = frameLength(m_bytes);
-    const bool isFrame =
-        length > 0 && m_bytes.size() >= length && endsInItsCrc(m_bytes.left(length));
-    if (beginsLikeResponse())
-        return isFrame && !fitsRequest(length) ? length : 0;
-    if (isFrame)
+    if (isWhole(length))
         return length;
-    return m_bytes.size() < length ? 0 : 1; // the rest of a frame may follow
+    return beginsLikeResponse() && isWhole(m_responseLength) ? m_responseLength : 0;
 }
 
-void ResponseFilter::drop(int count)
+// Number of leading bytes that can belong neither to the response nor to another frame.
+int ResponseFilter::strayBytes() const
 {
-    m_dropped.append(m_bytes.left(count));
+    const bool mayFollow = beginsLikeResponse() || m_bytes.size() < frameLength(m_bytes);
+    return mayFollow ? 0 : 1;
+}
+
+void ResponseFilter::drop(int count, bool isFrame)
+{
+    const QByteArray bytes = m_bytes.left(count);
     m_bytes.remove(0, count);
+    if (!isFrame && m_mayJoinNoise)
+        m_dropped.back() = {m_dropped.back().bytes + bytes, m_arrival};
+    else
+        m_dropped.push_back({bytes, m_arrival});
+    m_mayJoinNoise = !isFrame;
 }
 
-void ResponseFilter::dropForeign()
+void ResponseFilter::scan()
 {
-    while (!m_bytes.isEmpty()) {
-        const int count = foreignBytes();
-        if (count == 0)
+    while (m_acceptedLength == 0 && !m_bytes.isEmpty()) {
+        const int whole = wholeFrameLength();
+        const bool isAccepted = whole > 0 && m_judge.isResponse(m_bytes.left(whole), m_arrival);
+        if (isAccepted && !m_request.isEmpty()) {
+            m_acceptedLength = whole;
             return;
-        drop(count);
+        }
+        const int foreign = whole > 0 ? whole : strayBytes();
+        if (foreign == 0)
+            return;
+        drop(foreign, whole > 0);
     }
 }
 

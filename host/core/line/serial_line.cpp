@@ -18,36 +18,17 @@ const int MAX_BATCHES = 10; // in which a USB adapter delivers a frame
 
 } // namespace
 
-SerialLine::SerialLine(const LineSettings &settings, const LineTaps &taps,
+SerialLine::SerialLine(const LineSettings &settings, const LineTaps &taps, FrameJudge &judge,
                        const AdapterIdentity &lastSeen)
     : m_settings(settings),
       m_taps(taps),
+      m_judge(judge),
       m_port(settings, lastSeen),
+      m_between(judge),
       m_lastByte(Clock::now())
 {
 }
 
-Exchange SerialLine::exchange(const QByteArray &frame, int replyLength)
-{
-    awaitFrameGap();
-    send(frame);
-    m_hasReceived = false;
-    ResponseFilter filter(frame, replyLength);
-    Exchange exchange;
-    if (m_settings.echo)
-        exchange.outcome = takeEcho(frame, filter);
-    if (exchange.outcome == Exchange::NO_RESPONSE)
-        exchange = receive(filter);
-    m_taps.dropped(filter.takeDropped());
-    m_taps.received(exchange.reply);
-    m_taps.dropped(filter.takeRest());
-    exchange.isQuiet = !m_hasReceived;
-    if (exchange.outcome != Exchange::COMPLETE)
-        keepGuardTime();
-    return exchange;
-}
-
-// Drops the bytes received since the last exchange. The frame gap begins after them.
 void SerialLine::awaitFrameGap()
 {
     for (int i = 0; i < MAX_DISCARDS; ++i) {
@@ -55,21 +36,42 @@ void SerialLine::awaitFrameGap()
         const QByteArray late = read(0);
         if (late.isEmpty())
             return;
-        m_taps.dropped(late);
+        hear(m_between, late);
     }
+}
+
+Exchange SerialLine::exchange(const QByteArray &frame, int replyLength, const ExchangeTimes &times)
+{
+    forgetRest();
+    send(frame);
+    m_hasReceived = false;
+    ResponseFilter filter(m_judge, frame, replyLength);
+    Exchange exchange;
+    if (m_settings.echo)
+        exchange.outcome = takeEcho(frame, filter, times);
+    if (exchange.outcome == Exchange::NO_RESPONSE)
+        exchange = receive(filter, times);
+    m_taps.received(exchange.reply, filter.lastArrival());
+    exchange.isQuiet = !m_hasReceived;
+    hear(m_between, filter.takeRest());
+    if (exchange.outcome != Exchange::COMPLETE)
+        listen(
+            milliseconds(times.guardTime)); // a late response would collide with the next request
+    return exchange;
 }
 
 // The system accepts the bytes at once. The line takes longer to send them.
 void SerialLine::send(const QByteArray &frame)
 {
-    m_taps.sent(frame);
+    m_taps.sent(frame, Clock::now());
     m_port.write(frame);
     m_lastByte = Clock::now() + wireTime(m_settings, frame.size());
 }
 
-Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, ResponseFilter &filter)
+Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, ResponseFilter &filter,
+                                       const ExchangeTimes &times)
 {
-    const Clock::time_point deadline = m_lastByte + milliseconds(m_settings.responseTimeout);
+    const Clock::time_point deadline = m_lastByte + milliseconds(times.responseTimeout);
     QByteArray echo;
     while (echo.size() < frame.size() && frame.startsWith(echo)) {
         const int left = millisecondsUntil(deadline);
@@ -81,18 +83,18 @@ Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, ResponseFilter &
     if (echo.isEmpty())
         return Exchange::NO_ECHO;
     if (!echo.startsWith(frame)) {
-        m_taps.dropped(echo);
+        m_taps.dropped(echo, Clock::now());
         return Exchange::COLLISION;
     }
     m_hasReceived = echo.size() > frame.size();
-    filter.add(echo.mid(frame.size()));
+    hear(filter, echo.mid(frame.size()));
     return Exchange::NO_RESPONSE;
 }
 
-Exchange SerialLine::receive(ResponseFilter &filter)
+Exchange SerialLine::receive(ResponseFilter &filter, const ExchangeTimes &times)
 {
     const Clock::time_point sent = m_lastByte;
-    const Clock::time_point deadline = sent + milliseconds(m_settings.responseTimeout);
+    const Clock::time_point deadline = sent + milliseconds(times.responseTimeout);
     awaitResponse(filter, deadline);
     Exchange exchange;
     if (!filter.hasBegun())
@@ -111,20 +113,14 @@ Exchange SerialLine::receive(ResponseFilter &filter)
 void SerialLine::awaitResponse(ResponseFilter &filter, Clock::time_point deadline)
 {
     const int pause = interCharacterTimeout(m_settings);
-    Clock::time_point lastByte = Clock::now();
     while (!filter.hasBegun()) {
         const int left = millisecondsUntil(deadline);
         if (left == 0) {
             filter.gap(); // the response may have begun after what looked like another frame
+            hear(filter, QByteArray());
             return;
         }
-        const QByteArray bytes = read(std::min(left, pause));
-        if (!bytes.isEmpty()) {
-            filter.add(bytes);
-            lastByte = Clock::now();
-        } else if (Clock::now() - lastByte >= milliseconds(pause)) {
-            filter.gap();
-        }
+        hear(filter, read(filter.isEmpty() ? left : std::min(left, pause)));
     }
 }
 
@@ -138,19 +134,38 @@ void SerialLine::collectRest(ResponseFilter &filter, Clock::time_point deadline)
         const QByteArray bytes = read(pause);
         if (bytes.isEmpty())
             return;
-        filter.add(bytes);
+        hear(filter, bytes);
         if (!filter.hasBegun()) // the bytes were a late response to another request
             awaitResponse(filter, deadline);
     }
 }
 
-// Drops late responses: a late response would be mistaken for the response to the next request.
-void SerialLine::keepGuardTime()
+void SerialLine::listen(milliseconds time)
 {
-    const milliseconds guard(m_settings.guardTime.value_or(m_settings.responseTimeout));
-    const Clock::time_point end = Clock::now() + guard;
+    const int pause = interCharacterTimeout(m_settings);
+    const Clock::time_point end = Clock::now() + time;
     for (int left = millisecondsUntil(end); left > 0; left = millisecondsUntil(end))
-        m_taps.dropped(read(left));
+        hear(m_between, read(m_between.isEmpty() ? left : std::min(left, pause)));
+}
+
+// Adds bytes to the filter, or ends an incomplete frame if there are none after a pause. Reports
+// what is dropped at once, with its time.
+void SerialLine::hear(ResponseFilter &filter, const QByteArray &bytes)
+{
+    const Clock::time_point pause =
+        filter.lastArrival() + milliseconds(interCharacterTimeout(m_settings));
+    if (!bytes.isEmpty())
+        filter.add(bytes, Clock::now());
+    else if (Clock::now() >= pause)
+        filter.gap();
+    for (const ResponseFilter::Dropped &dropped : filter.takeDropped())
+        m_taps.dropped(dropped.bytes, dropped.arrival);
+}
+
+// What is still incomplete before a request is noise.
+void SerialLine::forgetRest()
+{
+    m_taps.dropped(m_between.takeRest(), m_between.lastArrival());
 }
 
 QByteArray SerialLine::read(int timeout)

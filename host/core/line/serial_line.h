@@ -1,6 +1,7 @@
 // A serial line: one request and its response at a time, with the frame gaps between them.
 #pragma once
 
+#include "host/core/line/frame_judge.h"
 #include "host/core/line/line_settings.h"
 #include "host/core/line/line_tap.h"
 #include "host/core/line/line_times.h"
@@ -15,9 +16,15 @@
 namespace velko
 {
 
+/// Times of one exchange, in milliseconds.
+struct ExchangeTimes {
+    int responseTimeout; ///< from the last byte of the request to the first byte of the response
+    int guardTime;       ///< silence after a missing or truncated response
+};
+
 struct Exchange {
     enum Outcome {
-        COMPLETE,    ///< a complete response or exception response
+        COMPLETE,    ///< a response that the judge accepts, or a damaged one in its full length
         TRUNCATED,   ///< a response without its last bytes
         NO_RESPONSE, ///< no byte of a response
         COLLISION,   ///< the echo differs from the request: another device sent at the same time
@@ -35,32 +42,42 @@ struct Exchange {
 class SerialLine
 {
 public:
-    /// Opens the port; `lastSeen` as in findPort. `taps` is the caller's and outlives the line.
-    /// Throws PortError.
-    SerialLine(const LineSettings &settings, const LineTaps &taps,
+    /// Opens the port; `lastSeen` as in findPort. `taps` and `judge` are the caller's and outlive the
+    /// line. Throws PortError.
+    SerialLine(const LineSettings &settings, const LineTaps &taps, FrameJudge &judge,
                const AdapterIdentity &lastSeen = {});
 
-    /// Waits for the frame gap, sends the frame and receives a response. `replyLength`: bytes of a
-    /// good response, at least 5. If the response is missing or truncated, returns after the guard
-    /// time. Throws PortError.
-    Exchange exchange(const QByteArray &frame, int replyLength);
+    /// Waits for the frame gap. The judge sees every whole frame that was received since the last
+    /// exchange, so the caller can choose the next request by it. Throws PortError.
+    void awaitFrameGap();
+
+    /// Receives for some time. The judge sees every whole frame. Throws PortError.
+    void listen(milliseconds time);
+
+    /// Sends the frame and receives a response. Called directly after awaitFrameGap(). `replyLength`:
+    /// bytes of a good response, at least 5. If the response is missing or truncated, returns after
+    /// the guard time. Throws PortError.
+    Exchange exchange(const QByteArray &frame, int replyLength, const ExchangeTimes &times);
 
     /// The device that is open.
     const std::string &device() const { return m_port.device(); }
 
 private:
-    void awaitFrameGap();
     void send(const QByteArray &frame);
-    Exchange::Outcome takeEcho(const QByteArray &frame, ResponseFilter &filter);
-    Exchange receive(ResponseFilter &filter);
+    Exchange::Outcome takeEcho(const QByteArray &frame, ResponseFilter &filter,
+                               const ExchangeTimes &times);
+    Exchange receive(ResponseFilter &filter, const ExchangeTimes &times);
     void awaitResponse(ResponseFilter &filter, Clock::time_point deadline);
     void collectRest(ResponseFilter &filter, Clock::time_point deadline);
-    void keepGuardTime();
+    void hear(ResponseFilter &filter, const QByteArray &bytes);
+    void forgetRest();
     QByteArray read(int timeout);
 
     const LineSettings m_settings;
     const LineTaps &m_taps;
+    FrameJudge &m_judge;
     SerialPort m_port;
+    ResponseFilter m_between;     // bytes received between two exchanges
     Clock::time_point m_lastByte; // sent or received
     bool m_hasReceived = false;   // since the request was sent
 };

@@ -3,6 +3,8 @@
 #include "host/core/line/port_error.h"
 #include "host/core/writes/request_reports.h"
 
+#include <algorithm>
+
 namespace velko
 {
 
@@ -11,6 +13,10 @@ namespace
 
 // Without a port, each turn gives up a write, or a read between two bursts of writes.
 const int MAX_CLEARING_TURNS = 4 * LIMIT_QUEUE_ENTRIES;
+
+// After a turn without a request. The pauses limit the load of the processor.
+const milliseconds SHORTEST_PAUSE(1);
+const milliseconds LONGEST_PAUSE(500);
 
 RegisterSpan spanOf(const RW_VAR &request)
 {
@@ -27,9 +33,10 @@ CommunicationLoop::CommunicationLoop(const std::string &libraryFile, const Link 
       m_driver(libraryFile),
       m_stations(m_driver.driver()),
       m_status(m_stations),
-      m_port(m_taps, m_reporter, m_status),
-      m_watch(m_driver, m_stations, m_reporter),
-      m_writes(m_driver.driver(), m_reporter)
+      m_port(m_taps, m_open, m_reporter, m_status),
+      m_talk(m_port, m_open),
+      m_watch(m_driver, m_stations, m_open, m_reporter),
+      m_writes(m_driver, m_reporter)
 {
     collectReports(m_driver.driver());
     load(link, plan);
@@ -38,14 +45,14 @@ CommunicationLoop::CommunicationLoop(const std::string &libraryFile, const Link 
 void CommunicationLoop::open()
 {
     m_port.open();
-    m_stations.restartProbes();
+    m_watch.restartProbes();
 }
 
 std::optional<milliseconds> CommunicationLoop::reopen()
 {
     const std::optional<milliseconds> pause = m_port.reopen();
     if (!pause)
-        m_stations.restartProbes();
+        m_watch.restartProbes();
     return pause;
 }
 
@@ -53,11 +60,12 @@ void CommunicationLoop::load(const Link &link, const std::vector<PlannedRequest>
 {
     m_link = link;
     m_status.setStaleAfter(milliseconds(link.staleAfter));
-    m_watch.load(link);
+    m_watch.load(m_link, plan);
+    m_talk.load(m_link, plan);
     if (m_port.setSettings(link.line))
         losePort("it is opened again with other settings");
     giveUpDroppedRead();
-    m_driver.load(link, plan);
+    m_driver.load(m_link, plan);
     m_cycle.load(plan);
 }
 
@@ -75,10 +83,14 @@ void CommunicationLoop::giveUpDroppedRead()
 
 bool CommunicationLoop::write(const WriteOrder &order)
 {
-    const bool isQueued =
-        m_writes.add(order, m_link.maxRegs, m_link.queueAgain, obstacleTo(order.variable));
-    m_status.setWriting(m_writes.pending());
-    return isQueued;
+    WriteOrder whole = order;
+    whole.maxRegs = m_link.maxRegsOf(order.variable.station);
+    whole.repeats = m_link.queueAgain;
+    const bool isAdded = m_writes.add(whole, obstacleTo(order.variable));
+    if (isAdded)
+        m_status.writeBegins(order.variable);
+    noteWrites();
+    return isAdded;
 }
 
 // A write that waits for a station or for the port would be executed minutes later, unexpectedly.
@@ -95,7 +107,13 @@ Verdict CommunicationLoop::obstacleTo(const Variable &variable) const
 
 bool CommunicationLoop::turn()
 {
-    m_watch.beginTurn(isOpen());
+    m_watch.beginTurn();
+    if (isOpen() && !m_isInProgress) {
+        if (const std::optional<Probe> due = m_watch.dueProbe()) {
+            probe(*due);
+            return true;
+        }
+    }
     const std::optional<Protocol> request = m_driver.next();
     if (!request)
         return false;
@@ -108,29 +126,75 @@ bool CommunicationLoop::turn()
     return true;
 }
 
+milliseconds CommunicationLoop::idleTime() const
+{
+    const bool hasRequests = m_driver.queuedWrites() > 0 || m_watch.isAnyPolled();
+    return hasRequests ? SHORTEST_PAUSE
+                       : std::clamp(m_watch.untilNextProbe(), SHORTEST_PAUSE, LONGEST_PAUSE);
+}
+
 void CommunicationLoop::exchange(const Protocol &request)
 {
-    Exchange exchange;
     m_isInProgress = true;
     try {
-        exchange = m_port.exchange(request);
+        const StationTalk::Result result = m_talk.ask(request);
+        if (result.kind == StationTalk::CHECK_READ && result.isAnswered)
+            noteRead(result, "check read");
+        else
+            judge(request, result);
     } catch (const PortError &error) {
         losePort(error.what());
         return;
     }
+    m_watch.heard(m_open.takeHeard());
+}
+
+// A check read without answer is a failed try of the request that waits for it.
+void CommunicationLoop::judge(const Protocol &request, const StationTalk::Result &result)
+{
+    const bool isRequest = result.kind == StationTalk::REQUEST;
     const int station = request.var.station;
-    const bool isProbe = m_stations.state(station) == StationStates::PROBING;
-    const Verdict verdict = verdictOn(request, exchange, m_driver.judge(exchange.reply, isProbe));
-    m_taps.judged(verdict.text + (verdict.repeats ? ", will be repeated" : ""));
-    m_status.count(station, verdict, exchange);
-    m_watch.exchangeEnded(station, verdict, exchange.isQuiet);
+    m_isSent = m_isSent || isRequest;
+    const QByteArray reply = isRequest ? result.exchange.reply : QByteArray();
+    const Verdict verdict =
+        verdictOn(result.request, result.exchange, m_driver.judge(request, reply, false));
+    m_taps.judged(verdict.text + (isRequest ? "" : " (check read)")
+                  + (verdict.repeats ? ", will be repeated" : ""));
+    m_status.count(station, verdict, result.exchange);
+    m_watch.exchangeEnded(station, verdict, result.exchange.isQuiet);
     noteEnd(request, verdict, true);
-    settleWrites(verdict, m_stations.isOnline(station));
+    const bool isOnline = m_stations.isOnline(station);
+    if (!isOnline)
+        m_writes.failWaiting(station, Verdict(Verdict::NO_REPLY, "the station is offline"));
+    settleWrites(verdict, isOnline);
+}
+
+void CommunicationLoop::probe(const Probe &probe)
+{
+    const Clock::time_point begin = Clock::now();
+    try {
+        const StationTalk::Result result = m_talk.probe(probe);
+        m_watch.probeEnded(probe, begin);
+        noteRead(result, "probe");
+    } catch (const PortError &error) {
+        losePort(error.what());
+        return;
+    }
+    m_watch.heard(m_open.takeHeard());
+}
+
+// Counts a read that the driver does not know.
+void CommunicationLoop::noteRead(const StationTalk::Result &result, const char *purpose)
+{
+    const Verdict verdict = verdictOn(result.request, result.exchange,
+                                      result.isGood ? RESULT_GOOD : RESULT_LOCAL_NO_REPLY);
+    m_taps.judged(verdict.text + " (" + purpose + ")");
+    m_status.count(result.request.var.station, verdict, result.exchange);
 }
 
 void CommunicationLoop::giveUpUnsent(const Protocol &request, const Verdict &verdict)
 {
-    m_driver.judge(QByteArray(), true);
+    m_driver.judge(request, QByteArray(), true);
     noteEnd(request, verdict, false);
     settleWrites(verdict, false);
 }
@@ -150,14 +214,16 @@ void CommunicationLoop::close(const std::string &why)
 // The request in progress may have been executed. The other ones are never sent.
 void CommunicationLoop::clearWrites(Verdict::Kind kind, const std::string &why)
 {
-    m_stations.restartProbes();
+    m_watch.restartProbes();
+    m_absence = Verdict(kind, why + " before it was sent");
     if (m_isInProgress)
         giveUpUnsent(*m_driver.next(),
-                     Verdict(kind, why + "; whether it was carried out is not known"));
-    m_absence = Verdict(kind, why + " before it was sent");
+                     m_isSent ? Verdict(kind, why + "; whether it was carried out is not known")
+                              : m_absence);
     for (int i = 0; i < MAX_CLEARING_TURNS && m_driver.queuedWrites() > 0; ++i)
         turn();
-    noteWrites(m_writes.failAll(m_absence));
+    m_writes.failAll(m_absence);
+    noteWrites();
 }
 
 void CommunicationLoop::noteEnd(const Protocol &request, const Verdict &verdict, bool isSent)
@@ -166,33 +232,41 @@ void CommunicationLoop::noteEnd(const Protocol &request, const Verdict &verdict,
         verdict.repeats || (verdict.kind == Verdict::GOOD && !m_driver.isRequestComplete());
     if (m_isInProgress)
         return;
+    m_isSent = false;
     m_watch.requestEnded(request.var);
     if (request.var.ownerTag != DriverLink::CYCLIC_OWNER_TAG)
         return;
     if (isSent)
         m_status.readEnded(request.var.station, spanOf(request.var), verdict);
-    if (m_cycle.ended(request.var, m_stations))
-        m_status.cycleEnded();
+    m_cycle.ended(request.var);
+    if (!m_cycle.isComplete(m_stations))
+        return;
+    m_cycle.restart();
+    m_status.cycleEnded();
 }
 
 void CommunicationLoop::settleWrites(const Verdict &verdict, bool mayRepeat)
 {
-    noteWrites(m_writes.settle(takeReports(), verdict, mayRepeat));
+    m_writes.settle(takeReports(), verdict, mayRepeat);
+    noteWrites();
 }
 
-void CommunicationLoop::noteWrites(const std::vector<EndedWrite> &ended)
+void CommunicationLoop::noteWrites()
 {
     const Verdict written(Verdict::GOOD);
     const Verdict notWritten(Verdict::NOT_SENT, "a write failed, and it was not read since");
-    for (const EndedWrite &write : ended) {
+    for (const EndedWrite &write : m_writes.takeEnded()) {
+        const Variable &variable = write.variable;
+        m_status.writeEnds(variable);
+        if (write.result == Event::WRITE_SUPERSEDED)
+            continue;
         // The store shows the value of the write, even if it failed. For a variable that is read,
         // the next read decides.
-        if (!write.isDone || !write.variable.isRead())
-            m_status.readEnded(write.variable.station, registersOf(write.variable),
-                               write.isDone ? written : notWritten);
+        const bool isDone = write.result == Event::WRITE_DONE;
+        if (!isDone || !variable.isRead())
+            m_status.readEnded(variable.station, registersOf(variable),
+                               isDone ? written : notWritten);
     }
-    if (!ended.empty())
-        m_status.setWriting(m_writes.pending());
 }
 
 } // namespace velko

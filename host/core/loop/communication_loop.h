@@ -2,6 +2,7 @@
 // acts on each verdict.
 #pragma once
 
+#include "host/core/driver/driver_link.h"
 #include "host/core/events/event.h"
 #include "host/core/events/reporter.h"
 #include "host/core/events/verdict.h"
@@ -9,12 +10,13 @@
 #include "host/core/line/line_times.h"
 #include "host/core/links/link.h"
 #include "host/core/loop/cycle_counter.h"
-#include "host/core/loop/driver_link.h"
 #include "host/core/loop/link_port.h"
+#include "host/core/loop/station_talk.h"
 #include "host/core/loop/station_watch.h"
 #include "host/core/plan/request_planner.h"
 #include "host/core/stations/station_states.h"
 #include "host/core/status/link_status.h"
+#include "host/core/trust/open_requests.h"
 #include "host/core/variables/variable.h"
 #include "host/core/writes/write_queue.h"
 #include "velko_modbus_rtu.h"
@@ -61,6 +63,8 @@ public:
     /// Makes at most one exchange. Returns false if there was no request in this turn; writes may
     /// be queued even then. If the port fails, closes it and reports all queued writes as failed.
     bool turn();
+    /// How long to wait after a turn without a request, unless there is an order.
+    milliseconds idleTime() const;
 
     // --- Any thread ---
 
@@ -71,6 +75,9 @@ public:
 
 private:
     void exchange(const Protocol &request);
+    void probe(const Probe &probe);
+    void judge(const Protocol &request, const StationTalk::Result &result);
+    void noteRead(const StationTalk::Result &result, const char *purpose);
     void giveUpUnsent(const Protocol &request, const Verdict &verdict);
     void giveUpDroppedRead();
     void losePort(const std::string &why);
@@ -78,7 +85,7 @@ private:
     Verdict obstacleTo(const Variable &variable) const;
     void noteEnd(const Protocol &request, const Verdict &verdict, bool isSent);
     void settleWrites(const Verdict &verdict, bool mayRepeat);
-    void noteWrites(const std::vector<EndedWrite> &ended);
+    void noteWrites();
 
     const LineTaps m_taps;
     const Reporter m_reporter;
@@ -86,12 +93,15 @@ private:
     DriverLink m_driver;
     StationStates m_stations;
     LinkStatus m_status;
+    OpenRequests m_open;
     LinkPort m_port;
+    StationTalk m_talk;
     StationWatch m_watch;
     WriteQueue m_writes;
     CycleCounter m_cycle;
     Verdict m_absence;           // result of requests while the port is closed
-    bool m_isInProgress = false; // a frame of a request was sent, and the request has not ended
+    bool m_isInProgress = false; // the driver awaits the result of a request
+    bool m_isSent = false;       // a frame of this request was sent
 };
 
 } // namespace velko

@@ -18,10 +18,14 @@ class CycleCounter
 public:
     /// Starts a cycle of these requests.
     void load(const std::vector<PlannedRequest> &plan);
+    /// Starts another cycle of the same requests.
+    void restart() { m_ended.clear(); }
 
-    /// Notes that a request succeeded or was given up. Returns true if that completes the cycle:
-    /// all other requests to online stations have ended as well. The next cycle starts then.
-    bool ended(const RW_VAR &request, const StationStates &stations);
+    /// Notes that a request succeeded or was given up.
+    void ended(const RW_VAR &request) { m_ended.insert(keyOf(request)); }
+
+    /// True if all requests to online stations have ended.
+    bool isComplete(const StationStates &stations) const;
 
 private:
     using Key = std::tuple<int, int, int, int>; // station, area, register, count

@@ -16,8 +16,10 @@ const milliseconds LONGEST_PAUSE(5000);
 
 } // namespace
 
-LinkPort::LinkPort(const LineTaps &taps, const Reporter &reporter, LinkStatus &status)
+LinkPort::LinkPort(const LineTaps &taps, FrameJudge &judge, const Reporter &reporter,
+                   LinkStatus &status)
     : m_taps(taps),
+      m_judge(judge),
       m_reporter(reporter),
       m_status(status),
       m_pauses(FIRST_PAUSE, PAUSE_STEP, LONGEST_PAUSE)
@@ -36,7 +38,7 @@ bool LinkPort::setSettings(const LineSettings &settings)
 void LinkPort::open()
 {
     try {
-        m_line = std::make_unique<SerialLine>(m_settings, m_taps, m_adapter);
+        m_line = std::make_unique<SerialLine>(m_settings, m_taps, m_judge, m_adapter);
     } catch (const PortError &error) {
         if (m_status.portText() != error.what())
             m_reporter.report(Event::PORT_MISSING, joined(m_settings.devices), error.what());
@@ -72,9 +74,19 @@ void LinkPort::close(const std::string &why)
     m_status.setPort(false, why);
 }
 
-Exchange LinkPort::exchange(const Protocol &request)
+void LinkPort::awaitFrameGap()
 {
-    return m_line->exchange(request.frame, request.replyLen);
+    m_line->awaitFrameGap();
+}
+
+void LinkPort::listen(milliseconds time)
+{
+    m_line->listen(time);
+}
+
+Exchange LinkPort::exchange(const Protocol &request, const ExchangeTimes &times)
+{
+    return m_line->exchange(request.frame, request.replyLen, times);
 }
 
 } // namespace velko

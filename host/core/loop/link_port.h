@@ -22,8 +22,8 @@ namespace velko
 class LinkPort
 {
 public:
-    /// `taps`, `reporter` and `status` are the caller's and outlive this object.
-    LinkPort(const LineTaps &taps, const Reporter &reporter, LinkStatus &status);
+    /// `taps`, `judge`, `reporter` and `status` are the caller's and outlive this object.
+    LinkPort(const LineTaps &taps, FrameJudge &judge, const Reporter &reporter, LinkStatus &status);
 
     /// Sets the settings for the next opening. Returns true if the port is open with other
     /// settings.
@@ -45,11 +45,18 @@ public:
     /// Closes the port without an event. `why`: the reason, for LinkStatus::portText.
     void close(const std::string &why);
 
-    /// As SerialLine::exchange. The port must be open. Throws PortError.
-    Exchange exchange(const Protocol &request);
+    // The port must be open.
+
+    /// As SerialLine::awaitFrameGap. Throws PortError.
+    void awaitFrameGap();
+    /// As SerialLine::listen. Throws PortError.
+    void listen(milliseconds time);
+    /// As SerialLine::exchange. Throws PortError.
+    Exchange exchange(const Protocol &request, const ExchangeTimes &times);
 
 private:
     const LineTaps &m_taps;
+    FrameJudge &m_judge;
     const Reporter &m_reporter;
     LinkStatus &m_status;
     LineSettings m_settings;

@@ -5,14 +5,6 @@
 namespace velko
 {
 
-namespace
-{
-
-// Limits the processor load of turns without a request.
-const milliseconds IDLE_PAUSE(1);
-
-} // namespace
-
 LinkRunner::LinkRunner(CommunicationLoop &loop) : m_loop(loop) {}
 
 LinkRunner::~LinkRunner()
@@ -87,7 +79,7 @@ void LinkRunner::turn()
 {
     if (m_loop.isOpen()) {
         if (!m_loop.turn())
-            pause(IDLE_PAUSE);
+            pause(m_loop.idleTime());
         return;
     }
     if (const std::optional<milliseconds> time = m_loop.reopen())

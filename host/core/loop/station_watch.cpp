@@ -16,19 +16,26 @@ std::string secondsText(Clock::duration duration)
 
 } // namespace
 
-StationWatch::StationWatch(DriverLink &driver, StationStates &states, const Reporter &reporter)
+StationWatch::StationWatch(const DriverLink &driver, StationStates &states,
+                           const OpenRequests &open, const Reporter &reporter)
     : m_driver(driver),
       m_states(states),
+      m_open(open),
       m_reporter(reporter)
 {
 }
 
-void StationWatch::load(const Link &link)
+void StationWatch::load(const Link &link, const std::vector<PlannedRequest> &plan)
 {
+    m_link = &link;
     m_stations = link.stations();
-    m_variables = link.variables;
-    m_states.restartProbes();
+    m_polled.clear();
+    for (const PlannedRequest &request : plan)
+        if (m_polled.empty() || m_polled.back() != request.var.station)
+            m_polled.push_back(request.var.station);
     m_states.keepOnly(m_stations);
+    m_schedule = ProbeSchedule();
+    m_sinceProbe.load(plan);
 }
 
 bool StationWatch::isInLink(int station) const
@@ -36,67 +43,74 @@ bool StationWatch::isInLink(int station) const
     return std::binary_search(m_stations.begin(), m_stations.end(), station);
 }
 
-void StationWatch::beginTurn(bool mayProbe)
+bool StationWatch::isAnyPolled() const
+{
+    return std::any_of(m_polled.begin(), m_polled.end(),
+                       [this](int station) { return m_states.isOnline(station); });
+}
+
+bool StationWatch::isAnyOnline() const
+{
+    return std::any_of(m_stations.begin(), m_stations.end(),
+                       [this](int station) { return m_states.isOnline(station); });
+}
+
+void StationWatch::beginTurn()
 {
     m_states.endClearing(m_driver.queuedWrites() == 0);
-    if (!mayProbe)
-        return;
-    if (const std::optional<int> station = m_states.beginProbe())
-        probe(*station);
 }
 
-// The station's next cyclic request is the probe, so that the order of the requests does not
-// change. Only a station without cyclic reads needs an additional request.
-void StationWatch::probe(int station)
+std::optional<Probe> StationWatch::dueProbe()
 {
-    const auto isThere = [station](const Variable &variable) {
-        return variable.station == station;
-    };
-    const auto isReadThere = [&](const Variable &variable) {
-        return isThere(variable) && variable.isRead();
-    };
-    if (std::any_of(m_variables.begin(), m_variables.end(), isReadThere))
-        return;
-    const auto variable = std::find_if(m_variables.begin(), m_variables.end(), isThere);
-    if (variable != m_variables.end())
-        m_driver.readOnce(*variable);
+    const std::vector<int> offline = m_states.offlineStations();
+    if (offline.empty())
+        return std::nullopt;
+    for (const int station : offline)
+        m_schedule.set(station, {milliseconds(m_link->responseTimeoutOf(station)),
+                                 m_open.slowestResponse(station)});
+    const std::optional<Probe> probe = m_schedule.due(isAnyOnline(), Clock::now());
+    return probe && m_sinceProbe.isComplete(m_states) ? probe : std::nullopt;
 }
 
-void StationWatch::exchangeEnded(int station, const Verdict &verdict, bool isQuiet)
+void StationWatch::probeEnded(const Probe &probe, Clock::time_point begin)
 {
-    m_hasReceived = m_hasReceived || !isQuiet || verdict.kind != Verdict::NO_REPLY;
-    const StationStates::State state = m_states.state(station);
-    if (state == StationStates::PROBING)
-        probeEnded(station, verdict);
-    else if (state == StationStates::ONLINE)
-        watchSilence(station, verdict);
+    m_schedule.ended(probe, begin, Clock::now());
+    m_sinceProbe.restart();
 }
 
-void StationWatch::probeEnded(int station, const Verdict &verdict)
+milliseconds StationWatch::untilNextProbe() const
 {
-    if (verdict.kind == Verdict::NO_REPLY) {
-        m_states.probeFailed(station);
-        return;
-    }
-    const Clock::duration absence = m_states.probeSucceeded(station);
-    m_reporter.report(Event::STATION_ONLINE, std::to_string(station),
-                      "it responds again after " + secondsText(absence));
+    return milliseconds(millisecondsUntil(m_schedule.nextUrgent()));
 }
 
 // A station goes offline only if no byte was received in any attempt, not even noise or a foreign
 // frame.
-void StationWatch::watchSilence(int station, const Verdict &verdict)
+void StationWatch::exchangeEnded(int station, const Verdict &verdict, bool isQuiet)
 {
-    if (verdict.kind != Verdict::NO_REPLY || verdict.repeats || m_hasReceived || !isInLink(station))
+    m_hasReceived = m_hasReceived || !isQuiet || verdict.kind != Verdict::NO_REPLY;
+    if (!m_states.isOnline(station) || verdict.repeats || m_hasReceived || !isInLink(station))
         return;
     m_states.beginClearing(station, m_driver.queuedWrites());
     m_reporter.report(Event::STATION_OFFLINE, std::to_string(station),
                       "no response; it is probed at growing intervals");
 }
 
+// Also a late answer to an earlier request shows that the station is back.
+void StationWatch::heard(const std::set<int> &stations)
+{
+    for (const int station : stations) {
+        if (m_states.state(station) != StationStates::OFFLINE)
+            continue;
+        m_schedule.remove(station);
+        m_reporter.report(Event::STATION_ONLINE, std::to_string(station),
+                          "it responds again after " + secondsText(m_states.takeOnline(station)));
+    }
+}
+
 void StationWatch::requestEnded(const RW_VAR &request)
 {
     m_hasReceived = false;
+    m_sinceProbe.ended(request);
     if (request.ownerTag >= 0)
         m_states.writeEnded();
 }

@@ -16,7 +16,6 @@ RequestPlanner::RequestPlanner(const std::string &library) : m_driver(loadDriver
 
 std::vector<PlannedRequest> RequestPlanner::plan(const Link &link)
 {
-    m_info.maxRegs = link.maxRegs;
     std::vector<PlannedRequest> requests;
     for (const int station : link.stations())
         planStation(link, station, requests);
@@ -30,6 +29,7 @@ void RequestPlanner::planStation(const Link &link, int station,
     std::copy_if(link.variables.begin(), link.variables.end(), std::back_inserter(variables),
                  [station](const Variable &variable) { return variable.station == station; });
     m_info.defaultStation = station;
+    m_info.maxRegs = link.maxRegsOf(station);
     const QList<VAR_ITEM> items = itemsOf(variables);
     const int count = m_driver->ReCreatReadVarList(&items);
     const QByteArray nothing;

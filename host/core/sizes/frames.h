@@ -25,6 +25,7 @@ const int WRITE_HEADER_BYTES = 1 + 1 + 2 + 2 + 1;
 
 // Function codes.
 const int READ_COILS = 1;
+const int READ_HOLDING_REGISTERS = 3;
 const int READ_INPUT_REGISTERS = 4; // 1 to 4 are the reads
 const int WRITE_SINGLE_COIL = 5;
 const int WRITE_SINGLE_REGISTER = 6;

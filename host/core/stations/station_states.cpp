@@ -13,18 +13,12 @@ namespace
 const int DISABLE = 0; // EnCommStation's second argument
 const int ENABLE = 1;
 
-// The first probe is due at once: the station may have missed only one request.
-GrowingPause probePauses()
-{
-    return {milliseconds(0), milliseconds(500), milliseconds(10000)};
-}
-
 } // namespace
 
 void StationStates::beginClearing(int station, int queuedWrites)
 {
     const Lock lock(m_mutex);
-    m_entries.insert({station, {CLEARING, Clock::now(), {}, probePauses(), queuedWrites}});
+    m_entries.insert({station, {CLEARING, Clock::now(), queuedWrites}});
     ++m_past[station].timesOffline;
 }
 
@@ -38,50 +32,31 @@ void StationStates::writeEnded()
 void StationStates::endClearing(bool isQueueEmpty)
 {
     const Lock lock(m_mutex);
-    for (auto &place : m_entries) {
-        const Entry &entry = place.second;
-        if (entry.state == CLEARING && (isQueueEmpty || entry.writesLeft <= 0))
-            takeOffline(place);
-    }
-}
-
-std::optional<int> StationStates::beginProbe()
-{
-    const Lock lock(m_mutex);
     for (auto &[station, entry] : m_entries) {
-        if (entry.state != OFFLINE || entry.nextProbe > Clock::now())
+        if (entry.state != CLEARING || (!isQueueEmpty && entry.writesLeft > 0))
             continue;
-        entry.state = PROBING;
-        m_driver.EnCommStation(station, ENABLE);
-        return station;
+        entry.state = OFFLINE;
+        m_driver.EnCommStation(station, DISABLE);
     }
-    return std::nullopt;
 }
 
-void StationStates::probeFailed(int station)
+std::vector<int> StationStates::offlineStations() const
 {
     const Lock lock(m_mutex);
-    takeOffline(*m_entries.find(station));
+    std::vector<int> stations;
+    for (const auto &[station, entry] : m_entries)
+        if (entry.state == OFFLINE)
+            stations.push_back(station);
+    return stations;
 }
 
-Clock::duration StationStates::probeSucceeded(int station)
+Clock::duration StationStates::takeOnline(int station)
 {
     const Lock lock(m_mutex);
     const auto place = m_entries.find(station);
     const Clock::duration absence = Clock::now() - place->second.since;
-    takeOnline(place);
+    remove(place);
     return absence;
-}
-
-void StationStates::restartProbes()
-{
-    const Lock lock(m_mutex);
-    for (auto &place : m_entries) {
-        if (place.second.state == CLEARING)
-            continue;
-        place.second.pause.restart();
-        takeOffline(place);
-    }
 }
 
 void StationStates::keepOnly(const std::vector<int> &stations)
@@ -91,7 +66,7 @@ void StationStates::keepOnly(const std::vector<int> &stations)
         if (std::binary_search(stations.begin(), stations.end(), place->first))
             ++place;
         else
-            place = takeOnline(place);
+            place = remove(place);
     }
 }
 
@@ -114,15 +89,7 @@ StationPresence StationStates::presenceOf(int station) const
     return presence;
 }
 
-void StationStates::takeOffline(Entries::value_type &place)
-{
-    Entry &entry = place.second;
-    entry.state = OFFLINE;
-    entry.nextProbe = Clock::now() + entry.pause.next();
-    m_driver.EnCommStation(place.first, DISABLE);
-}
-
-StationStates::Entries::iterator StationStates::takeOnline(Entries::iterator place)
+StationStates::Entries::iterator StationStates::remove(Entries::iterator place)
 {
     m_past[place->first].timeOffline += Clock::now() - place->second.since;
     m_driver.EnCommStation(place->first, ENABLE);

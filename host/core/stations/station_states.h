@@ -3,11 +3,9 @@
 
 #include "host/core/line/line_times.h"
 #include "host/core/loading/driver_library.h"
-#include "host/core/stations/growing_pause.h"
 
 #include <map>
 #include <mutex>
-#include <optional>
 #include <vector>
 
 namespace velko
@@ -27,8 +25,7 @@ public:
     enum State {
         ONLINE,
         CLEARING, ///< does not respond; its queued writes are given up unsent, then it is disabled
-        OFFLINE,
-        PROBING ///< enabled for one exchange
+        OFFLINE
     };
 
     /// `driver` is the caller's and outlives this object.
@@ -42,18 +39,14 @@ public:
     void writeEnded();
     /// CLEARING -> OFFLINE for each station without a queued write. The driver takes writes in
     /// order, so that is the case when as many writes have ended as were queued, or when the queue
-    /// is empty. The first probe is due at once.
+    /// is empty.
     void endClearing(bool isQueueEmpty);
 
-    /// OFFLINE -> PROBING for one station whose probe is due. Returns the station; no value if no
-    /// probe is due.
-    std::optional<int> beginProbe();
-    /// PROBING -> OFFLINE. The pause before the next probe grows.
-    void probeFailed(int station);
-    /// PROBING -> ONLINE. Returns how long the station was offline.
-    Clock::duration probeSucceeded(int station);
-    /// PROBING -> OFFLINE for all stations. A probe of each offline station is due at once.
-    void restartProbes();
+    /// Returns the OFFLINE stations, in ascending order.
+    std::vector<int> offlineStations() const;
+
+    /// OFFLINE -> ONLINE. Returns how long the station was offline.
+    Clock::duration takeOnline(int station);
 
     /// Makes all other stations ONLINE, because they have no variables any more. `stations` is in
     /// ascending order.
@@ -69,15 +62,12 @@ private:
     struct Entry {
         State state = ONLINE;
         Clock::time_point since; // when it stopped responding
-        Clock::time_point nextProbe;
-        GrowingPause pause;
-        int writesLeft = 0; // in the driver's queue, while CLEARING
+        int writesLeft = 0;      // in the driver's queue, while CLEARING
     };
     using Entries = std::map<int, Entry>;
 
     // With the lock held.
-    void takeOffline(Entries::value_type &place);
-    Entries::iterator takeOnline(Entries::iterator place);
+    Entries::iterator remove(Entries::iterator place);
 
     const DriverLibrary &m_driver;
 

@@ -34,10 +34,16 @@ void LinkStatus::setStaleAfter(milliseconds age)
     m_staleAfter = age;
 }
 
-void LinkStatus::setWriting(const std::vector<Variable> &variables)
+void LinkStatus::writeBegins(const Variable &variable)
 {
     const Lock lock(m_mutex);
-    m_writing = variables;
+    m_registers.writeBegins(variable.station, registersOf(variable));
+}
+
+void LinkStatus::writeEnds(const Variable &variable)
+{
+    const Lock lock(m_mutex);
+    m_registers.writeEnds(variable.station, registersOf(variable));
 }
 
 void LinkStatus::count(int station, const Verdict &verdict, const Exchange &exchange)
@@ -70,7 +76,7 @@ ValueState LinkStatus::stateOf(const Variable &variable) const
     if (registers.lastGood)
         state.age = std::chrono::duration_cast<milliseconds>(Clock::now() - *registers.lastGood);
     state.freshness = freshnessOf(variable, state);
-    if (state.freshness == Freshness::GOOD && isWriting(variable)) {
+    if (state.freshness == Freshness::GOOD && m_registers.isWriting(variable)) {
         state.freshness = Freshness::STALE;
         state.lastAttempt = Verdict(Verdict::NOT_SENT, "a write is in progress");
     }
@@ -86,16 +92,6 @@ Freshness LinkStatus::freshnessOf(const Variable &variable, const ValueState &st
     const bool isFailed = state.lastAttempt.kind != Verdict::GOOD;
     return isFailed || *state.age > m_staleAfter || !m_isPortOpen ? Freshness::STALE
                                                                   : Freshness::GOOD;
-}
-
-bool LinkStatus::isWriting(const Variable &variable) const
-{
-    const RegisterSpan span = registersOf(variable);
-    return std::any_of(m_writing.begin(), m_writing.end(), [&](const Variable &written) {
-        const RegisterSpan other = registersOf(written);
-        return written.station == variable.station && other.area == span.area
-               && other.first <= span.last && span.first <= other.last;
-    });
 }
 
 std::vector<StationStatus> LinkStatus::stations() const

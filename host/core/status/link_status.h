@@ -51,9 +51,10 @@ public:
     /// `text` as portText returns it.
     void setPort(bool isOpen, const std::string &text);
     void setStaleAfter(milliseconds age);
-    /// Sets the variables whose writes are queued. Their values in the store may not be in the PLC
-    /// yet.
-    void setWriting(const std::vector<Variable> &variables);
+    /// A write of the variable is queued. Its value in the store may not be in the PLC yet.
+    void writeBegins(const Variable &variable);
+    /// The result of a write is known.
+    void writeEnds(const Variable &variable);
     /// Counts a frame that was sent.
     void count(int station, const Verdict &verdict, const Exchange &exchange);
     /// Notes the result of a read of registers.
@@ -78,7 +79,6 @@ public:
 private:
     // With the lock held.
     Freshness freshnessOf(const Variable &variable, const ValueState &state) const;
-    bool isWriting(const Variable &variable) const;
 
     const StationStates &m_stationStates;
 
@@ -87,7 +87,6 @@ private:
     std::string m_portText;
     milliseconds m_staleAfter = {};
     std::map<int, StationCounters> m_counters; // by station
-    std::vector<Variable> m_writing;
     RegisterStates m_registers;
     std::int64_t m_cycles = 0;
 };

@@ -35,6 +35,28 @@ void RegisterStates::failed(int station, const RegisterSpan &span, const Verdict
         m_states[{station, span.area, number}].lastAttempt = verdict;
 }
 
+void RegisterStates::writeBegins(int station, const RegisterSpan &span)
+{
+    for (int number = span.first; number <= span.last; ++number)
+        ++m_writes[{station, span.area, number}];
+}
+
+void RegisterStates::writeEnds(int station, const RegisterSpan &span)
+{
+    for (int number = span.first; number <= span.last; ++number) {
+        const auto place = m_writes.find({station, span.area, number});
+        if (place != m_writes.end() && --place->second == 0)
+            m_writes.erase(place);
+    }
+}
+
+bool RegisterStates::isWriting(const Variable &variable) const
+{
+    const RegisterSpan span = registersOf(variable);
+    const auto next = m_writes.lower_bound({variable.station, span.area, span.first});
+    return next != m_writes.end() && next->first <= Key{variable.station, span.area, span.last};
+}
+
 RegisterState RegisterStates::stateOf(const Variable &variable) const
 {
     const RegisterSpan span = registersOf(variable);

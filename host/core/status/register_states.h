@@ -27,6 +27,13 @@ public:
     /// Notes that an attempt to read the registers failed.
     void failed(int station, const RegisterSpan &span, const Verdict &verdict);
 
+    /// A write of the registers is queued.
+    void writeBegins(int station, const RegisterSpan &span);
+    /// The result of a write of the registers is known.
+    void writeEnds(int station, const RegisterSpan &span);
+    /// True if a write of one of the variable's registers is queued.
+    bool isWriting(const Variable &variable) const;
+
     /// Returns the worst state of the variable's registers: that of a register that was never read,
     /// otherwise of one whose latest attempt failed, otherwise of the one that was read longest
     /// ago.
@@ -36,6 +43,7 @@ private:
     using Key = std::tuple<int, int, int>; // station, area, register
 
     std::map<Key, RegisterState> m_states;
+    std::map<Key, int> m_writes; // queued writes of a register
 };
 
 } // namespace velko

@@ -1,121 +1,171 @@
 #include "host/core/writes/write_queue.h"
 
-#include <algorithm>
-#include <iterator>
 #include <stdexcept>
 
 namespace velko
 {
 
-WriteQueue::WriteQueue(const DriverLibrary &driver, const Reporter &reporter)
+namespace
+{
+
+Event eventOf(const WriteOrder &order, Event::State state, const std::string &detail,
+              Verdict::Kind cause = Verdict::GOOD)
+{
+    Event event;
+    event.state = state;
+    event.name = order.variable.name;
+    event.value = order.text;
+    event.detail = detail;
+    event.cause = cause;
+    event.write = order.number;
+    return event;
+}
+
+} // namespace
+
+WriteQueue::WriteQueue(DriverLink &driver, const Reporter &reporter)
     : m_driver(driver),
       m_reporter(reporter)
 {
 }
 
-bool WriteQueue::add(const WriteOrder &order, int maxRegs, int repeats, const Verdict &obstacle)
+bool WriteQueue::add(const WriteOrder &order, const Verdict &obstacle)
 {
-    Pending write{order, QByteArray(), targetsOf(order.variable, maxRegs), repeats};
-    const int owner = ownerOf(order.variable);
+    const Variable &variable = order.variable;
     try {
-        if (!order.variable.isWritten())
+        if (!variable.isWritten())
             throw std::invalid_argument("it is read only");
-        write.value = valueOf(order.variable, order.text);
+        const QByteArray value = valueOf(variable, order.text);
         if (obstacle.kind != Verdict::GOOD) {
-            report(order, Event::WRITE_REFUSED, obstacle.text, obstacle.kind);
+            refuse(order, obstacle.text, obstacle.kind);
             return false;
         }
-        if (!queue(owner, write))
+        const size_t pieces = targetsOf(variable, order.maxRegs).size();
+        const Pending write{order, value, ownerOf(variable), static_cast<int>(pieces)};
+        if (!hasRoomFor(write))
             throw std::invalid_argument("the write queue is full; try again later");
+        supersede(write);
+        m_waitingOf[write.owner] = m_waiting.insert(m_waiting.end(), write);
+        m_waitingPieces += write.pieces;
     } catch (const std::invalid_argument &error) {
-        report(order, Event::WRITE_REFUSED, error.what());
+        refuse(order, error.what(), Verdict::GOOD);
         return false;
     }
-    supersede(owner, write);
-    m_pending[owner] = write;
+    feed();
     return true;
 }
 
-// In the driver's queue a newer record replaces an older one of the same target, also that of
-// another owner. Two variables have a common target only if a reload has renamed a variable.
-void WriteQueue::supersede(int owner, const Pending &newer)
+// The newer write goes to the end of the order: what was written in between comes before it.
+void WriteQueue::supersede(const Pending &newer)
 {
-    const auto isReplaced = [&newer](const Pending &older) {
-        std::vector<WriteTarget> common;
-        std::set_intersection(older.targets.begin(), older.targets.end(), newer.targets.begin(),
-                              newer.targets.end(), std::back_inserter(common));
-        return !common.empty() && older.order.variable.kind == newer.order.variable.kind;
-    };
-    for (auto place = m_pending.begin(); place != m_pending.end();) {
-        if (place->first != owner && !isReplaced(place->second)) {
-            ++place;
-            continue;
-        }
-        report(place->second.order, Event::WRITE_SUPERSEDED, "by " + newer.order.text);
-        place = m_pending.erase(place);
-    }
+    const auto place = m_waitingOf.find(newer.owner);
+    if (place == m_waitingOf.end())
+        return;
+    const Pending older = *place->second;
+    removeWaiting(place->second);
+    end(older, Event::WRITE_SUPERSEDED, Verdict(Verdict::GOOD, "by " + newer.order.text));
 }
 
 // The driver drops each piece that does not fit, without a report.
-bool WriteQueue::hasRoom(size_t pieces) const
+bool WriteQueue::hasRoomFor(const Pending &write) const
 {
-    const int queued = m_driver.AddListWriteVar(nullptr, QUEUE_CHECKED);
-    return queued + static_cast<int>(pieces) <= LIMIT_QUEUE_ENTRIES;
+    const auto older = m_waitingOf.find(write.owner);
+    const int replaced = older == m_waitingOf.end() ? 0 : older->second->pieces;
+    return m_driver.queuedWrites() + m_waitingPieces - replaced + write.pieces
+           <= LIMIT_QUEUE_ENTRIES;
 }
 
-std::vector<EndedWrite> WriteQueue::settle(const std::vector<RequestReport> &reports,
-                                           const Verdict &verdict, bool mayRepeat)
+// Passes waiting writes to the driver, up to the first one whose registers are being written.
+void WriteQueue::feed()
 {
-    std::vector<EndedWrite> ended;
-    for (const RequestReport &driverReport : reports) {
-        const auto place = m_pending.find(driverReport.ownerTag);
-        if (place == m_pending.end())
-            continue; // a probe
-        Pending &write = place->second;
-        const bool isDone = driverReport.status == REQUEST_DONE;
-        if (!isDone && mayRepeat && write.repeatsLeft > 0 && queue(driverReport.ownerTag, write)) {
-            --write.repeatsLeft;
-            report(write.order, Event::WRITE_QUEUED_AGAIN, verdict.text);
+    while (!m_waiting.empty()) {
+        const Pending write = m_waiting.front();
+        if (m_queued.count(write.owner) > 0 || m_written.touch(write.order.variable))
+            return;
+        removeWaiting(m_waiting.begin());
+        if (!queue(write)) {
+            end(write, Event::WRITE_FAILED,
+                Verdict(Verdict::NOT_SENT, "the driver does not accept it"));
             continue;
         }
-        if (isDone)
-            report(write.order, Event::WRITE_DONE, std::string());
-        else
-            report(write.order, Event::WRITE_FAILED, verdict.text, verdict.kind);
-        ended.push_back({write.order.variable, isDone});
-        m_pending.erase(place);
+        m_written.add(write.order.variable);
+        m_queued.insert({write.owner, write});
     }
-    return ended;
 }
 
-std::vector<Variable> WriteQueue::pending() const
+void WriteQueue::settle(const std::vector<RequestReport> &reports, const Verdict &verdict,
+                        bool mayRepeat)
 {
-    std::vector<Variable> variables;
-    for (const auto &entry : m_pending)
-        variables.push_back(entry.second.order.variable);
-    return variables;
+    for (const RequestReport &driverReport : reports) {
+        const auto place = m_queued.find(driverReport.ownerTag);
+        if (place == m_queued.end())
+            continue;
+        Pending &write = place->second;
+        const bool isDone = driverReport.status == REQUEST_DONE;
+        if (!isDone && mayRepeat && write.order.repeats > 0 && queue(write)) {
+            --write.order.repeats;
+            m_reporter.report(eventOf(write.order, Event::WRITE_QUEUED_AGAIN, verdict.text));
+            continue;
+        }
+        const Pending ended = write;
+        m_written.remove(ended.order.variable);
+        m_queued.erase(place);
+        end(ended, isDone ? Event::WRITE_DONE : Event::WRITE_FAILED, verdict);
+    }
+    feed();
 }
 
-std::vector<EndedWrite> WriteQueue::failAll(const Verdict &verdict)
+void WriteQueue::failWaiting(int station, const Verdict &verdict)
+{
+    failWaiting(verdict, [station](const Pending &write) {
+        return write.order.variable.station == station;
+    });
+}
+
+void WriteQueue::failAll(const Verdict &verdict)
+{
+    for (const auto &entry : m_queued)
+        end(entry.second, Event::WRITE_FAILED, verdict);
+    m_queued.clear();
+    m_written = WrittenRegisters();
+    failWaiting(verdict, [](const Pending &) { return true; });
+}
+
+void WriteQueue::failWaiting(const Verdict &verdict,
+                             const std::function<bool(const Pending &)> &isMeant)
+{
+    for (auto place = m_waiting.begin(); place != m_waiting.end();) {
+        if (!isMeant(*place)) {
+            ++place;
+            continue;
+        }
+        const Pending write = *place;
+        place = removeWaiting(place);
+        end(write, Event::WRITE_FAILED, verdict);
+    }
+    feed();
+}
+
+std::vector<EndedWrite> WriteQueue::takeEnded()
 {
     std::vector<EndedWrite> ended;
-    for (const auto &entry : m_pending) {
-        report(entry.second.order, Event::WRITE_FAILED, verdict.text, verdict.kind);
-        ended.push_back({entry.second.order.variable, false});
-    }
-    m_pending.clear();
+    ended.swap(m_ended);
     return ended;
 }
 
 // All pieces of a write have the variable's ownerTag. The last piece reports the result of all.
-bool WriteQueue::queue(int owner, const Pending &write)
+bool WriteQueue::queue(const Pending &write)
 {
-    const Variable &variable = write.order.variable;
-    return hasRoom(write.targets.size())
-           && m_driver.SetRegisterData(QString::fromStdString(variable.name), variable.kind,
-                                       QString::fromStdString(variable.address), variable.station,
-                                       &write.value, lengthOf(variable), 0, owner)
-                  > 0;
+    return m_driver.queuedWrites() + write.pieces <= LIMIT_QUEUE_ENTRIES
+           && m_driver.queueWrite(write.order.variable, write.value, write.order.maxRegs,
+                                  write.owner);
+}
+
+WriteQueue::Waiting::iterator WriteQueue::removeWaiting(Waiting::iterator place)
+{
+    m_waitingPieces -= place->pieces;
+    m_waitingOf.erase(place->owner);
+    return m_waiting.erase(place);
 }
 
 int WriteQueue::ownerOf(const Variable &variable)
@@ -125,17 +175,17 @@ int WriteQueue::ownerOf(const Variable &variable)
     return m_owners.insert({key, static_cast<int>(m_owners.size()) + 1}).first->second;
 }
 
-void WriteQueue::report(const WriteOrder &order, Event::State state, const std::string &detail,
-                        Verdict::Kind cause) const
+void WriteQueue::refuse(const WriteOrder &order, const std::string &why, Verdict::Kind cause) const
 {
-    Event event;
-    event.state = state;
-    event.name = order.variable.name;
-    event.value = order.text;
-    event.detail = detail;
-    event.cause = cause;
-    event.write = order.number;
-    m_reporter.report(event);
+    m_reporter.report(eventOf(order, Event::WRITE_REFUSED, why, cause));
+}
+
+void WriteQueue::end(const Pending &write, Event::State state, const Verdict &verdict)
+{
+    const bool isDone = state == Event::WRITE_DONE;
+    const Verdict::Kind cause = state == Event::WRITE_FAILED ? verdict.kind : Verdict::GOOD;
+    m_reporter.report(eventOf(write.order, state, isDone ? std::string() : verdict.text, cause));
+    m_ended.push_back({write.order.variable, state});
 }
 
 } // namespace velko

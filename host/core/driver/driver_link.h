@@ -17,14 +17,13 @@
 namespace velko
 {
 
-/// Used on the communication thread, except value().
+/// Used on the communication thread, except value(). The driver has one set of settings. Those that
+/// differ between stations are set before each call that uses them.
 class DriverLink
 {
 public:
-    /// ownerTag of cyclic reads and of the reads that readOnce() queues. Writes have positive
-    /// numbers.
+    /// ownerTag of cyclic reads. Writes have positive numbers.
     static const int CYCLIC_OWNER_TAG = -1;
-    static const int PROBE_OWNER_TAG = -2;
 
     /// Loads a copy of the driver. Throws std::runtime_error.
     explicit DriverLink(const std::string &libraryFile);
@@ -33,6 +32,7 @@ public:
     const DriverLibrary &driver() const { return *m_driver; }
 
     /// Replaces the cyclic list and the link's settings. Queued writes and stored values are kept.
+    /// `link` is the caller's and must not change or end before the next call.
     void load(const Link &link, const std::vector<PlannedRequest> &plan);
 
     /// Returns a copy of the next request, because the driver's record is valid only until judge().
@@ -42,15 +42,16 @@ public:
     /// Passes the response to that request to the driver; `reply` is empty if there was none.
     /// `isLastTry`: if it fails, the request is given up without further retries. Returns one of
     /// RESULT_...
-    int judge(const QByteArray &reply, bool isLastTry);
+    int judge(const Protocol &request, const QByteArray &reply, bool isLastTry);
 
     /// True if every frame of the current request has a good response.
     bool isRequestComplete() const { return m_info.frameDone >= m_info.frameTotal; }
 
-    /// Queues one read of the variable's first unit.
-    void readOnce(const Variable &variable);
+    /// Queues a write in pieces of at most `maxRegs` registers. `value`: bytes as for
+    /// SetRegisterData. False if it is not queued.
+    bool queueWrite(const Variable &variable, const QByteArray &value, int maxRegs, int ownerTag);
 
-    /// Number of writes in the driver's queue.
+    /// Number of pieces of writes in the driver's queue.
     int queuedWrites() const;
 
     /// Returns the value in the driver's store, in the bytes of GetRegisterData. Any thread.
@@ -59,8 +60,7 @@ public:
 private:
     const std::unique_ptr<DriverLibrary> m_driver;
     ComInfo m_info;
-    int m_retries = 0;
-    bool m_ownFailuresOnly = true;
+    const Link *m_link = nullptr;
 };
 
 } // namespace velko

@@ -1,4 +1,4 @@
-#include "host/core/loop/driver_link.h"
+#include "host/core/driver/driver_link.h"
 
 #include "host/core/loading/driver_copy.h"
 
@@ -14,10 +14,7 @@ DriverLink::DriverLink(const std::string &libraryFile) : m_driver(loadDriverCopy
 
 void DriverLink::load(const Link &link, const std::vector<PlannedRequest> &plan)
 {
-    m_retries = link.retries;
-    m_ownFailuresOnly = link.ownFailuresOnly;
-    m_info.maxRegs = link.maxRegs;
-    m_info.retryLimit = link.retries;
+    m_link = &link;
     const QList<VAR_ITEM> none;
     m_driver->ReCreatReadVarList(&none);
     for (const PlannedRequest &request : plan)
@@ -30,28 +27,24 @@ std::optional<Protocol> DriverLink::next() const
     return request ? std::optional<Protocol>(*request) : std::nullopt;
 }
 
-int DriverLink::judge(const QByteArray &reply, bool isLastTry)
+int DriverLink::judge(const Protocol &request, const QByteArray &reply, bool isLastTry)
 {
-    if (isLastTry)
-        m_info.retryLimit = 0;
+    m_info.retryLimit = isLastTry ? 0 : m_link->retriesOf(request.var.station);
     const int resultCode = m_driver->DataCom(&reply, reply.size())->retCode;
-    m_info.retryLimit = m_retries;
     // The driver counts the failures of all requests together.
-    if (m_ownFailuresOnly && velko_result_is_good(resultCode) && isRequestComplete())
+    if (m_link->ownFailuresOnly && velko_result_is_good(resultCode) && isRequestComplete())
         m_info.retryCount = 0;
     return resultCode;
 }
 
-void DriverLink::readOnce(const Variable &variable)
+bool DriverLink::queueWrite(const Variable &variable, const QByteArray &value, int maxRegs,
+                            int ownerTag)
 {
-    RW_VAR request;
-    request.ownerTag = PROBE_OWNER_TAG;
-    request.areaNo = m_info.localArea;
-    request.station = variable.station;
-    request.varKind = variable.kind;
-    request.addrText = QString::fromStdString(variable.address);
-    request.count = 1;
-    m_driver->AddListOnceReadVar(&request, QUEUE_CHECKED);
+    m_info.maxRegs = maxRegs;
+    return m_driver->SetRegisterData(QString::fromStdString(variable.name), variable.kind,
+                                     QString::fromStdString(variable.address), variable.station,
+                                     &value, lengthOf(variable), 0, ownerTag)
+           > 0;
 }
 
 int DriverLink::queuedWrites() const

@@ -1,0 +1,180 @@
+#include "host/core/stations/probe_schedule.h"
+
+#include <algorithm>
+
+namespace velko
+{
+
+namespace
+{
+
+using Duration = Clock::duration;
+using Seconds = std::chrono::duration<double>;
+
+const std::chrono::seconds MINUTE(60);
+const Seconds BUDGET = MINUTE * 0.05;        // of probes, in each minute
+const Seconds SMALLEST_REST = BUDGET * 0.05; // for full probes
+
+// Of the line's time for short probes. The rest of the budget is for full ones. The lower share
+// leaves time for one full probe of 500 ms in each minute.
+const double HIGH_SHARE = 0.045;
+const double LOW_SHARE = 0.0405;
+
+// In which each station gets a short probe. Ten stations need the low share for that at 19,200 baud.
+const Seconds ROUND(14.2);
+
+const milliseconds SHORTEST_TIMEOUT(50);
+const int SLOWNESS = 3;          // times the slowest response
+const milliseconds OVERHEAD(10); // of a probe: frame gap, request
+const int FULL_EACH = 10;
+
+// A full probe that waits longer goes before the short ones.
+const std::chrono::minutes LONGEST_WAIT(4);
+
+const milliseconds INTERVAL_WHILE_NONE_IS_ONLINE(500);
+
+GrowingPause probePauses()
+{
+    return {milliseconds(500), milliseconds(500), milliseconds(10000)};
+}
+
+milliseconds shortTimeout(const ProbeSchedule::Times &times)
+{
+    const milliseconds wanted = std::max(SLOWNESS * *times.slowest, SHORTEST_TIMEOUT);
+    return std::min(wanted, times.timeout);
+}
+
+Duration toDuration(Seconds seconds)
+{
+    return std::chrono::duration_cast<Duration>(seconds);
+}
+
+} // namespace
+
+void ProbeSchedule::set(int station, const Times &times)
+{
+    m_stations.insert({station, {times, probePauses(), {}, {}, 0}}).first->second.times = times;
+}
+
+void ProbeSchedule::restart()
+{
+    for (auto &place : m_stations) {
+        place.second.pause = probePauses();
+        place.second.due = {};
+    }
+}
+
+std::optional<Probe> ProbeSchedule::due(bool isAnyOnline, Clock::time_point now) const
+{
+    std::optional<Probe> best;
+    Clock::time_point earliest = {};
+    for (const auto &[number, station] : m_stations) {
+        const std::optional<Probe> probe =
+            isAnyOnline ? affordable(number, station, now) : urgent(number, station, now);
+        if (!probe || (best && station.last >= earliest))
+            continue;
+        best = probe;
+        earliest = station.last;
+    }
+    return best;
+}
+
+// While no station is online, probes take nobody's time.
+std::optional<Probe> ProbeSchedule::urgent(int number, const Station &station,
+                                           Clock::time_point now) const
+{
+    if (now < m_lastBegin + INTERVAL_WHILE_NONE_IS_ONLINE)
+        return std::nullopt;
+    return wantsFull(station) ? fullProbe(number, station) : shortProbe(number, station);
+}
+
+std::optional<Probe> ProbeSchedule::affordable(int number, const Station &station,
+                                               Clock::time_point now) const
+{
+    if (now < station.due)
+        return std::nullopt;
+    const Probe full = fullProbe(number, station);
+    if (wantsFull(station) && now >= m_nextFull && fits(full, now))
+        return full;
+    if (!station.times.slowest || now < m_nextShort || isFullOverdue(now))
+        return std::nullopt;
+    const Probe probe = shortProbe(number, station);
+    return fits(probe, now) ? std::optional<Probe>(probe) : std::nullopt;
+}
+
+Clock::time_point ProbeSchedule::nextUrgent() const
+{
+    return m_lastBegin + INTERVAL_WHILE_NONE_IS_ONLINE;
+}
+
+void ProbeSchedule::ended(const Probe &probe, Clock::time_point begin, Clock::time_point end)
+{
+    const Seconds cost = end - begin;
+    m_lastBegin = begin;
+    while (!m_spent.empty() && m_spent.front().end < end - MINUTE)
+        m_spent.pop_front();
+    m_spent.push_back({end, end - begin});
+    if (probe.isFull)
+        m_nextFull = end + toDuration(cost * (Seconds(MINUTE) / restForFullProbes()));
+    else
+        m_nextShort = begin
+                      + toDuration(std::clamp(ROUND / std::max(answeredStations(), 1),
+                                              cost / HIGH_SHARE, cost / LOW_SHARE));
+    const auto place = m_stations.find(probe.station);
+    if (place == m_stations.end())
+        return;
+    Station &station = place->second;
+    station.last = end;
+    station.due = end + station.pause.next();
+    station.probes = probe.isFull ? 0 : station.probes + 1;
+}
+
+int ProbeSchedule::answeredStations() const
+{
+    return static_cast<int>(
+        std::count_if(m_stations.begin(), m_stations.end(),
+                      [](const auto &place) { return place.second.times.slowest.has_value(); }));
+}
+
+// Of each minute.
+ProbeSchedule::Seconds ProbeSchedule::restForFullProbes() const
+{
+    const Seconds shortProbe = SHORTEST_TIMEOUT + OVERHEAD;
+    const Seconds shortProbes = answeredStations() * shortProbe * (Seconds(MINUTE) / ROUND);
+    return std::max(BUDGET - shortProbes, SMALLEST_REST);
+}
+
+bool ProbeSchedule::wantsFull(const Station &station)
+{
+    return !station.times.slowest || station.probes >= FULL_EACH - 1;
+}
+
+Probe ProbeSchedule::fullProbe(int number, const Station &station)
+{
+    return {number, true, station.times.timeout};
+}
+
+Probe ProbeSchedule::shortProbe(int number, const Station &station)
+{
+    return {number, false, shortTimeout(station.times)};
+}
+
+// A probe that takes longer than all of a minute's time for probes is the only one in its minute.
+bool ProbeSchedule::fits(const Probe &probe, Clock::time_point now) const
+{
+    Duration spent = {};
+    for (const Spent &one : m_spent)
+        spent += one.end >= now - MINUTE ? one.cost : Duration(0);
+    const Seconds cost = probe.responseTimeout + OVERHEAD;
+    return spent + std::min(cost, BUDGET) <= BUDGET;
+}
+
+bool ProbeSchedule::isFullOverdue(Clock::time_point now) const
+{
+    return now > m_nextFull + LONGEST_WAIT
+           && std::any_of(m_stations.begin(), m_stations.end(), [&](const auto &place) {
+                  return wantsFull(place.second) && now >= place.second.due;
+              });
+}
+
+} // namespace velko

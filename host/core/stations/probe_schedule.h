@@ -1,0 +1,80 @@
+// When an offline station is probed, and how long its response is awaited.
+#pragma once
+
+#include "host/core/line/line_times.h"
+#include "host/core/stations/growing_pause.h"
+
+#include <deque>
+#include <map>
+#include <optional>
+
+namespace velko
+{
+
+struct Probe {
+    int station;
+    bool isFull; ///< the whole response timeout is awaited
+    milliseconds responseTimeout;
+};
+
+/// Keeps probes to 5 % of the line's time in each minute while a station is online. A station that
+/// answered before gets short probes, and a full one now and then; one that never answered gets full
+/// probes, in what the short ones leave. Used by one thread.
+class ProbeSchedule
+{
+public:
+    /// How long the response of a station is awaited.
+    struct Times {
+        milliseconds timeout;                ///< at most
+        std::optional<milliseconds> slowest; ///< longest response time; no value: it never answered
+    };
+
+    /// The station is probed from now on, or its times have changed.
+    void set(int station, const Times &times);
+    void remove(int station) { m_stations.erase(station); }
+    /// A probe of each station is due at once.
+    void restart();
+
+    /// Returns the probe that is due now. No value: none. `isAnyOnline`: a station is online.
+    std::optional<Probe> due(bool isAnyOnline, Clock::time_point now) const;
+
+    /// Returns when the next probe is due if no station is online.
+    Clock::time_point nextUrgent() const;
+
+    /// The probe has ended: it occupied the line from `begin` to `end`.
+    void ended(const Probe &probe, Clock::time_point begin, Clock::time_point end);
+
+private:
+    using Seconds = std::chrono::duration<double>;
+
+    struct Station {
+        Times times;
+        GrowingPause pause;
+        Clock::time_point last; // end of its latest probe
+        Clock::time_point due;
+        int probes = 0; // since the latest full one
+    };
+    struct Spent {
+        Clock::time_point end;
+        Clock::duration cost;
+    };
+
+    static bool wantsFull(const Station &station);
+    static Probe fullProbe(int number, const Station &station);
+    static Probe shortProbe(int number, const Station &station);
+    std::optional<Probe> urgent(int number, const Station &station, Clock::time_point now) const;
+    std::optional<Probe> affordable(int number, const Station &station,
+                                    Clock::time_point now) const;
+    int answeredStations() const;
+    Seconds restForFullProbes() const;
+    bool fits(const Probe &probe, Clock::time_point now) const;
+    bool isFullOverdue(Clock::time_point now) const;
+
+    std::map<int, Station> m_stations;
+    std::deque<Spent> m_spent; // in the last minute, oldest first
+    Clock::time_point m_lastBegin;
+    Clock::time_point m_nextShort;
+    Clock::time_point m_nextFull = Clock::now();
+};
+
+} // namespace velko
