@@ -85,6 +85,7 @@ Snapshot LinkSession::snapshot() const
     Snapshot snapshot;
     snapshot.links.push_back(
         {shown->name, status.portText(), status.isPortOpen(), status.cycles(), status.stations()});
+    snapshot.values.reserve(shown->variables.size());
     for (const Variable &variable : shown->variables)
         snapshot.values.push_back(rowOf(variable, m_loop));
     return snapshot;

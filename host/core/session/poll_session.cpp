@@ -19,6 +19,8 @@ bool isRead(const Link &link)
 
 template <typename Rows> void append(Rows &rows, Rows &&more)
 {
+    if (rows.empty()) // the usual case, one link, needs no copy
+        rows.swap(more);
     rows.insert(rows.end(), std::make_move_iterator(more.begin()),
                 std::make_move_iterator(more.end()));
 }
