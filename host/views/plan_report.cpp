@@ -2,6 +2,7 @@
 
 #include "host/core/line/line_times.h"
 #include "host/core/plan/request_cost.h"
+#include "host/core/plan/wanted_registers.h"
 #include "host/core/text/numbers.h"
 #include "host/core/variables/kinds.h"
 #include "host/views/text_table.h"
@@ -31,10 +32,11 @@ std::string hint(const PlannedRequest &request, const Gap &gap, const Link &link
 std::vector<std::string> planReport(const Link &link, const std::vector<PlannedRequest> &plan)
 {
     TextTable table({"station", "function", "registers", "asked", "wanted", "gap", "bytes", "ms"});
+    const WantedRegisters wanted(link);
     microseconds total{};
     std::vector<std::string> hints;
     for (const PlannedRequest &request : plan) {
-        const RequestCost cost = costOf(request, link);
+        const RequestCost cost = costOf(request, wanted, link.line);
         table.add({std::to_string(request.var.station), std::to_string(cost.function),
                    std::to_string(cost.wireRegister) + ".."
                        + std::to_string(cost.wireRegister + cost.asked - 1),

@@ -11,21 +11,6 @@ namespace velko
 namespace
 {
 
-std::vector<bool> neededRegisters(const RW_VAR &request, const Link &link)
-{
-    std::vector<bool> needed(static_cast<size_t>(request.count));
-    for (const Variable &variable : link.variables) {
-        const RegisterSpan span = registersOf(variable);
-        if (!variable.isRead() || variable.station != request.station
-            || span.area != request.varKind)
-            continue;
-        const int last = std::min(span.last - request.addr, request.count - 1);
-        for (int i = std::max(span.first - request.addr, 0); i <= last; ++i)
-            needed[static_cast<size_t>(i)] = true;
-    }
-    return needed;
-}
-
 std::vector<Gap> gapsIn(const std::vector<bool> &needed, int first)
 {
     std::vector<Gap> gaps;
@@ -41,17 +26,20 @@ std::vector<Gap> gapsIn(const std::vector<bool> &needed, int first)
 
 } // namespace
 
-RequestCost costOf(const PlannedRequest &request, const Link &link)
+RequestCost costOf(const PlannedRequest &request, const WantedRegisters &wanted,
+                   const LineSettings &line)
 {
-    const std::vector<bool> needed = neededRegisters(request.var, link);
+    const RW_VAR &var = request.var;
+    const std::vector<bool> needed =
+        wanted.marksIn(var.station, {var.varKind, var.addr, var.addr + var.count - 1});
     RequestCost cost;
     cost.function = byteAt(request.frame, 1);
     cost.wireRegister = byteAt(request.frame, 2) << BYTE_BITS | byteAt(request.frame, 3);
-    cost.asked = request.var.count;
+    cost.asked = var.count;
     cost.wanted = static_cast<int>(std::count(needed.begin(), needed.end(), true));
     cost.bytes = request.frame.size() + request.replyLength;
-    cost.wireTime = wireTime(link.line, cost.bytes);
-    cost.gaps = gapsIn(needed, request.var.addr);
+    cost.wireTime = wireTime(line, cost.bytes);
+    cost.gaps = gapsIn(needed, var.addr);
     return cost;
 }
 

@@ -3,8 +3,8 @@
 
 #include "host/core/line/line_settings.h"
 #include "host/core/line/line_times.h"
-#include "host/core/links/link.h"
 #include "host/core/plan/request_planner.h"
+#include "host/core/plan/wanted_registers.h"
 #include "velko_modbus_rtu.h"
 
 #include <vector>
@@ -28,7 +28,9 @@ struct RequestCost {
     std::vector<Gap> gaps;
 };
 
-RequestCost costOf(const PlannedRequest &request, const Link &link);
+/// `wanted` and `line` are those of the link whose request it is.
+RequestCost costOf(const PlannedRequest &request, const WantedRegisters &wanted,
+                   const LineSettings &line);
 
 /// Returns the number of bytes of the gap in the response.
 int bytesOf(const Gap &gap);

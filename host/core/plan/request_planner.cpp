@@ -2,8 +2,7 @@
 
 #include "host/core/loading/driver_copy.h"
 
-#include <algorithm>
-#include <iterator>
+#include <map>
 
 namespace velko
 {
@@ -16,20 +15,21 @@ RequestPlanner::RequestPlanner(const std::string &library) : m_driver(loadDriver
 
 std::vector<PlannedRequest> RequestPlanner::plan(const Link &link)
 {
+    std::map<int, std::vector<Variable>> stations;
+    for (const Variable &variable : link.variables)
+        stations[variable.station].push_back(variable);
     std::vector<PlannedRequest> requests;
-    for (const int station : link.stations())
-        planStation(link, station, requests);
+    for (const auto &[station, variables] : stations) {
+        m_info.maxRegs = link.maxRegsOf(station);
+        planStation(station, variables, requests);
+    }
     return requests;
 }
 
-void RequestPlanner::planStation(const Link &link, int station,
+void RequestPlanner::planStation(int station, const std::vector<Variable> &variables,
                                  std::vector<PlannedRequest> &requests)
 {
-    std::vector<Variable> variables;
-    std::copy_if(link.variables.begin(), link.variables.end(), std::back_inserter(variables),
-                 [station](const Variable &variable) { return variable.station == station; });
     m_info.defaultStation = station;
-    m_info.maxRegs = link.maxRegsOf(station);
     const QList<VAR_ITEM> items = itemsOf(variables);
     const int count = m_driver->ReCreatReadVarList(&items);
     const QByteArray nothing;

@@ -3,6 +3,7 @@
 
 #include "host/core/links/link.h"
 #include "host/core/loading/driver_library.h"
+#include "host/core/variables/variable.h"
 #include "velko_modbus_rtu.h"
 
 #include <QByteArray>
@@ -33,7 +34,8 @@ public:
     std::vector<PlannedRequest> plan(const Link &link);
 
 private:
-    void planStation(const Link &link, int station, std::vector<PlannedRequest> &requests);
+    void planStation(int station, const std::vector<Variable> &variables,
+                     std::vector<PlannedRequest> &requests);
 
     std::unique_ptr<DriverLibrary> m_driver;
     ComInfo m_info;
