@@ -1,13 +1,9 @@
 #include "host/views/json_view.h"
 
+#include "host/views/json_objects.h"
 #include "host/views/state_texts.h"
 
-#include <QDateTime>
-#include <QJsonArray>
-#include <QJsonDocument>
-
 #include <cstdio>
-#include <sstream>
 
 namespace velko
 {
@@ -15,40 +11,13 @@ namespace velko
 namespace
 {
 
-QString text(const std::string &characters)
-{
-    return QString::fromStdString(characters);
-}
-
-QJsonValue numberOrText(const std::string &word)
-{
-    bool isNumber = false;
-    const double number = text(word).toDouble(&isNumber);
-    return isNumber && qIsFinite(number) ? QJsonValue(number) : QJsonValue(text(word));
-}
-
-QJsonValue valueOf(const ValueRow &row)
-{
-    if (!row.state.age)
-        return QJsonValue::Null;
-    if (row.variable.format.type == Format::TEXT)
-        return text(row.text);
-    if (row.variable.count == 1)
-        return numberOrText(row.text);
-    QJsonArray values;
-    std::istringstream words(row.text);
-    for (std::string word; words >> word;)
-        values.append(numberOrText(word));
-    return values;
-}
-
 QJsonObject stationObject(const LinkRow &link, const StationStatus &status)
 {
     const StationCounters &counters = status.counters;
     QJsonObject exceptions;
     for (const auto &[code, count] : counters.exceptions)
         exceptions[QString::number(code)] = qint64{count};
-    return {{"link", text(link.name)},
+    return {{"link", jsonText(link.name)},
             {"station", status.station},
             {"online", status.isOnline},
             {"sent", qint64{counters.sent}},
@@ -76,34 +45,26 @@ void JsonView::show(const Snapshot &snapshot)
         if (shown == state)
             continue;
         shown = state;
-        QJsonObject object{{"name", text(row.variable.name)},
-                           {"station", row.variable.station},
-                           {"address", text(placeOf(row.variable))},
-                           {"value", valueOf(row)},
-                           {"state", nameOf(row.state.freshness)}};
-        if (row.state.age)
-            object["age"] = static_cast<double>(row.state.age->count()) / 1000;
-        if (!row.state.lastAttempt.text.empty())
-            object["reason"] = text(row.state.lastAttempt.text);
-        print("value", object);
+        print("value", valueObject(row));
     }
 }
 
 void JsonView::report(const Event &event)
 {
-    QJsonObject object{
-        {"link", text(event.link)}, {"name", text(event.name)}, {"state", nameOf(event.state)}};
+    QJsonObject object{{"link", jsonText(event.link)},
+                       {"name", jsonText(event.name)},
+                       {"state", nameOf(event.state)}};
     if (kindOf(event.state) == Event::WRITE)
-        object["value"] = text(event.value);
+        object["value"] = jsonText(event.value);
     if (!event.detail.empty())
-        object["reason"] = text(event.detail);
+        object["reason"] = jsonText(event.detail);
     static const char *const kinds[] = {"write", "station", "port"};
     print(kinds[kindOf(event.state)], object);
 }
 
 void JsonView::note(const std::string &message)
 {
-    print("note", {{"text", text(message)}});
+    print("note", {{"text", jsonText(message)}});
 }
 
 void JsonView::finish(const Snapshot &snapshot)
@@ -114,11 +75,9 @@ void JsonView::finish(const Snapshot &snapshot)
             print("summary", stationObject(link, status));
 }
 
-void JsonView::print(const char *event, QJsonObject object)
+void JsonView::print(const char *event, const QJsonObject &object)
 {
-    object["event"] = event;
-    object["time"] = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
-    std::printf("%s\n", QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
+    std::printf("%s\n", timedJsonLine(event, object).c_str());
     std::fflush(stdout);
 }
 

@@ -22,7 +22,7 @@ public:
     void finish(const Snapshot &snapshot) override;
 
 private:
-    static void print(const char *event, QJsonObject object);
+    static void print(const char *event, const QJsonObject &object);
 
     std::map<std::string, std::string> m_shown; // by name
 };

@@ -18,11 +18,11 @@ const Link &checked(const Link &link)
     return link;
 }
 
-ValueRow rowOf(const Variable &variable, const CommunicationLoop &loop)
+ValueRow rowOf(const std::string &link, const Variable &variable, const CommunicationLoop &loop)
 {
     // The state is read first, so that the value is not older than its state.
     const ValueState state = loop.status().stateOf(variable);
-    return {variable, state.age ? textOf(variable, loop.value(variable)) : "-", state};
+    return {link, variable, state.age ? textOf(variable, loop.value(variable)) : "-", state};
 }
 
 } // namespace
@@ -87,7 +87,7 @@ Snapshot LinkSession::snapshot() const
         {shown->name, status.portText(), status.isPortOpen(), status.cycles(), status.stations()});
     snapshot.values.reserve(shown->variables.size());
     for (const Variable &variable : shown->variables)
-        snapshot.values.push_back(rowOf(variable, m_loop));
+        snapshot.values.push_back(rowOf(shown->name, variable, m_loop));
     return snapshot;
 }
 

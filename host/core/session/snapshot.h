@@ -12,6 +12,7 @@ namespace velko
 {
 
 struct ValueRow {
+    std::string link; ///< name of the link
     Variable variable;
     std::string text; ///< the value; "-" if it was never read
     ValueState state;
