@@ -87,6 +87,14 @@ size_t Fields::choice(const std::string &key, const std::vector<std::string> &ch
     return static_cast<size_t>(place - choices.begin());
 }
 
+int Fields::requiredNumber(const std::string &key, int lowest, int highest) const
+{
+    const std::optional<int> value = number(key, lowest, highest);
+    if (!value)
+        fail(key, "it is missing");
+    return *value;
+}
+
 int Fields::number(const std::string &key, int lowest, int highest, int otherwise) const
 {
     return number(key, lowest, highest).value_or(otherwise);

@@ -34,6 +34,8 @@ public:
     /// Returns the index of the text in `choices`.
     size_t choice(const std::string &key, const std::vector<std::string> &choices,
                   size_t otherwise) const;
+    bool has(const std::string &key) const { return m_table.contains(key); }
+    int requiredNumber(const std::string &key, int lowest, int highest) const;
     int number(const std::string &key, int lowest, int highest, int otherwise) const;
     std::optional<int> number(const std::string &key, int lowest, int highest) const;
     /// Reads milliseconds, with or without a fraction. Returns microseconds; 0 if the key is

@@ -31,15 +31,23 @@ void checkLine(const LineSettings &line)
     checkRange("frame gap", line.minFrameGap, 0, 1000 * LONGEST_SILENCE);
 }
 
-void checkRequests(const Link &link)
+void checkRequests(const Link &link, int maxRegs, int retries)
 {
     const int highest = link.isWritten() ? HIGHEST_MAX_REGS_WRITING : HIGHEST_MAX_REGS_READING;
-    checkRange("maxRegs", link.maxRegs, LOWEST_MAX_REGS, highest);
-    if (link.isWritten() && !isWholeDoubleWords(link.maxRegs))
-        throw std::invalid_argument("maxRegs " + std::to_string(link.maxRegs) + " is not even");
-    checkRange("retries", link.retries, 0, HIGHEST_RETRIES);
-    checkRange("queueAgain", link.queueAgain, 0, HIGHEST_QUEUE_AGAIN);
-    checkRange("staleAfter", link.staleAfter, 1, std::numeric_limits<int>::max());
+    checkRange("maxRegs", maxRegs, LOWEST_MAX_REGS, highest);
+    if (link.isWritten() && !isWholeDoubleWords(maxRegs))
+        throw std::invalid_argument("maxRegs " + std::to_string(maxRegs) + " is not even");
+    checkRange("retries", retries, 0, HIGHEST_RETRIES);
+}
+
+void checkStations(const Link &link)
+{
+    for (const auto &place : link.stationSettings) {
+        const int station = place.first;
+        checkRange("station", station, LOWEST_STATION, HIGHEST_STATION);
+        checkRange("response timeout", link.responseTimeoutOf(station), 1, LONGEST_TIME);
+        checkRequests(link, link.maxRegsOf(station), link.retriesOf(station));
+    }
 }
 
 } // namespace
@@ -47,7 +55,10 @@ void checkRequests(const Link &link)
 void checkLink(const Link &link)
 {
     checkLine(link.line);
-    checkRequests(link);
+    checkRequests(link, link.maxRegs, link.retries);
+    checkRange("queueAgain", link.queueAgain, 0, HIGHEST_QUEUE_AGAIN);
+    checkRange("staleAfter", link.staleAfter, 1, std::numeric_limits<int>::max());
+    checkStations(link);
     for (const Variable &variable : link.variables) {
         try {
             checkRange("station", variable.station, LOWEST_STATION, HIGHEST_STATION);

@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -22,7 +23,9 @@ namespace
 const std::vector<std::string> linkKeys = {
     "name",        "device",          "baud",       "parity",     "stopBits", "timeout",
     "byteTimeout", "guard",           "silence",    "rs485",      "echo",     "maxRegs",
-    "retries",     "ownFailuresOnly", "offerAgain", "staleAfter", "variable"};
+    "retries",     "ownFailuresOnly", "offerAgain", "staleAfter", "station",  "variable"};
+
+const std::vector<std::string> stationKeys = {"number", "timeout", "retries", "maxRegs"};
 
 const std::vector<std::string> variableKeys = {"name",   "station", "kind",  "address",
                                                "format", "count",   "access"};
@@ -108,9 +111,31 @@ private:
             fields.number("maxRegs", LOWEST_MAX_REGS, HIGHEST_MAX_REGS_READING, link.maxRegs);
         for (const toml::node &node : fields.requiredTables("variable"))
             link.variables.push_back(readVariable(*node.as_table()));
-        checkMaxRegs(fields, link);
+        checkMaxRegs(fields, link, link.maxRegs);
+        readStations(fields, link);
         checkTargets(fields, link);
         return link;
+    }
+
+    void readStations(const Fields &fields, Link &link) const
+    {
+        if (!fields.has("station"))
+            return;
+        const std::vector<int> numbers = link.stations();
+        for (const toml::node &node : fields.requiredTables("station")) {
+            const Fields station(m_path, *node.as_table(), "a station", stationKeys);
+            const int number = station.requiredNumber("number", LOWEST_STATION, HIGHEST_STATION);
+            if (!std::binary_search(numbers.begin(), numbers.end(), number))
+                station.fail("number", "no variable belongs to station " + std::to_string(number));
+            StationSettings settings;
+            settings.responseTimeout = station.number("timeout", 1, LONGEST_TIME);
+            settings.retries = station.number("retries", 0, HIGHEST_RETRIES);
+            settings.maxRegs = station.number("maxRegs", LOWEST_MAX_REGS, HIGHEST_MAX_REGS_READING);
+            checkMaxRegs(station, link, settings.maxRegs.value_or(link.maxRegs));
+            if (!link.stationSettings.insert({number, settings}).second)
+                station.fail("number", "there are settings of station " + std::to_string(number)
+                                           + " already");
+        }
     }
 
     Variable readVariable(const toml::table &table)
@@ -145,11 +170,11 @@ private:
         }
     }
 
-    static void checkMaxRegs(const Fields &fields, const Link &link)
+    static void checkMaxRegs(const Fields &fields, const Link &link, int maxRegs)
     {
         if (!link.isWritten())
             return;
-        if (link.maxRegs > HIGHEST_MAX_REGS_WRITING || !isWholeDoubleWords(link.maxRegs))
+        if (maxRegs > HIGHEST_MAX_REGS_WRITING || !isWholeDoubleWords(maxRegs))
             fields.fail("maxRegs",
                         "on a link with writable variables it must be an even number from "
                             + rangeText(LOWEST_MAX_REGS, HIGHEST_MAX_REGS_WRITING));
@@ -164,7 +189,8 @@ private:
             const Variable &variable = link.variables[i];
             if (!variable.isWritten())
                 continue;
-            for (const WriteTarget &target : targetsOf(variable, link.maxRegs)) {
+            for (const WriteTarget &target :
+                 targetsOf(variable, link.maxRegsOf(variable.station))) {
                 const auto place = names.insert({target, variable.name}).first;
                 if (place->second != variable.name)
                     fields.failAt("variable", i,
