@@ -56,7 +56,7 @@ struct LineUnderTest {
     Exchange exchange(const QByteArray &request, int replyLength)
     {
         if (!line)
-            line = std::make_unique<SerialLine>(settings, taps, open);
+            line = std::make_unique<SerialLine>(settings, taps, open, cut);
         line->awaitFrameGap();
         open.begin(request, replyLength, OpenRequests::REQUEST);
         const Exchange exchange = line->exchange(
@@ -79,6 +79,7 @@ struct LineUnderTest {
     SimulatedPlc plc;
     LineTaps taps;
     OpenRequests open;
+    ReadCut cut;
     LineSettings settings;
     std::unique_ptr<SerialLine> line;
 };
@@ -196,7 +197,8 @@ TEST(Line, EndsExchangeIfLineNeverFallsSilent)
     settings.interCharacterTimeout = 20;
     const LineTaps taps;
     OpenRequests open;
-    SerialLine line(settings, taps, open);
+    const ReadCut cut;
+    SerialLine line(settings, taps, open, cut);
     std::atomic<bool> stop{false};
     std::thread transmitter([&] {
         std::array<char, 8> request;

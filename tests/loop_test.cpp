@@ -135,7 +135,7 @@ TEST_F(LoopTest, MoreWritesThanATurnsBurst)
     start(); // nothing to read: after each five writes a turn has nothing to send
     loop->close("test");
     LinkRunner runner(*loop);
-    runner.start();
+    runner.start(MissingPort::FAIL);
     runner.post([this](CommunicationLoop &) {
         for (int i = 0; i < 17; ++i)
             EXPECT_TRUE(write(std::to_string(i).c_str(), "7"));
@@ -160,7 +160,7 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
     loop->close("test");
 
     LinkRunner runner(*loop);
-    runner.start();
+    runner.start(MissingPort::FAIL);
     for (const bool isAwaited : {true, false}) { // a response, at the moment
         SCOPED_TRACE(isAwaited);
         fault(isAwaited ? "2:silent" : "2:none");
@@ -200,5 +200,5 @@ TEST_F(LoopTest, AMissingPortAtTheStartIsReported)
     link.line.devices = {"/dev/none"};
     loop->load(link, {});
     LinkRunner runner(*loop);
-    EXPECT_THROW(runner.start(), PortError);
+    EXPECT_THROW(runner.start(MissingPort::FAIL), PortError);
 }

@@ -11,6 +11,8 @@
 #include "host/views/lines_view.h"
 #include "host/views/live_table.h"
 
+#include <QThread>
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,6 +25,7 @@ namespace
 {
 
 const int REFRESH = 100; // milliseconds
+const milliseconds SILENT_END(150);
 
 const char *const FOOTER =
     R"(Ends after --cycles or --seconds, whichever comes first, or at Ctrl-C. While it runs, a line
@@ -65,6 +68,8 @@ PollCommand::PollCommand(CLI::App &program)
     m_options.add_option("--seconds", m_seconds, "end after this many seconds")
         ->type_name("SECONDS")
         ->check(secondsFrom(SHORTEST_RUN, LONGEST_RUN));
+    m_options.add_flag("--fail-fast", m_isFailFast,
+                       "end if a port is missing at the start; otherwise it is waited for");
     CLI::Option *const json = m_options.add_flag("--json", m_isJson, "print JSON lines");
     m_options.add_flag("--lines", m_isLines, "print lines of text, also on a terminal")
         ->excludes(json);
@@ -82,7 +87,7 @@ int PollCommand::run()
         loop(session, *view);
         last = session.snapshot();
         view->leave();
-        session.stop();
+        end(session);
         passEvents(session, *view);
         view->finish(last);
     }
@@ -114,7 +119,7 @@ std::unique_ptr<PollView> PollCommand::makeView() const
 void PollCommand::loop(PollSession &session, PollView &view)
 {
     Console console; // before the threads of the links, which must not receive its signals
-    session.start();
+    session.start(m_isFailFast ? MissingPort::FAIL : MissingPort::WAIT);
     for (const std::string &assignment : m_assignments)
         write(assignment, session, view);
     const Clock::time_point end = m_seconds.empty()
@@ -132,6 +137,18 @@ void PollCommand::loop(PollSession &session, PollView &view)
         passEvents(session, view);
         view.show(session.snapshot());
     }
+}
+
+// Says what the end waits for, unless it comes at once.
+void PollCommand::end(PollSession &session)
+{
+    session.requestStop();
+    const Clock::time_point soon = Clock::now() + SILENT_END;
+    while (!session.awaited().empty() && Clock::now() < soon)
+        QThread::msleep(5);
+    for (const std::string &text : session.awaited())
+        std::fprintf(stderr, "panelhost: link %s; press Ctrl-C to end at once\n", text.c_str());
+    session.stop();
 }
 
 bool PollCommand::isOver(const PollSession &session) const

@@ -25,6 +25,7 @@ private:
     std::vector<Link> readFile() const;
     std::unique_ptr<PollView> makeView() const;
     void loop(PollSession &session, PollView &view);
+    static void end(PollSession &session);
     bool isOver(const PollSession &session) const;
     void reload(PollSession &session, PollView &view) const;
     void write(const std::string &assignment, PollSession &session, PollView &view);
@@ -39,6 +40,7 @@ private:
     int m_cycles = 0;
     bool m_isJson = false;
     bool m_isLines = false;
+    bool m_isFailFast = false;
 
     int m_status = 0; // worst ExitStatus of the writes so far
 };

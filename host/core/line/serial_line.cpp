@@ -1,5 +1,6 @@
 #include "host/core/line/serial_line.h"
 
+#include "host/core/line/replies.h"
 #include "host/core/sizes/frames.h"
 
 #include <algorithm>
@@ -16,13 +17,16 @@ const int MAX_DISCARDS = 100;
 
 const int MAX_BATCHES = 10; // in which a USB adapter delivers a frame
 
+const int CUT_INTERVAL = 250; // milliseconds between looks whether a read must end
+
 } // namespace
 
 SerialLine::SerialLine(const LineSettings &settings, const LineTaps &taps, FrameJudge &judge,
-                       const AdapterIdentity &lastSeen)
+                       const ReadCut &cut, const AdapterIdentity &lastSeen)
     : m_settings(settings),
       m_taps(taps),
       m_judge(judge),
+      m_cut(cut),
       m_port(settings, lastSeen),
       m_between(judge),
       m_lastByte(Clock::now())
@@ -45,12 +49,14 @@ Exchange SerialLine::exchange(const QByteArray &frame, int replyLength, const Ex
     forgetRest();
     send(frame);
     m_hasReceived = false;
+    m_isCuttable = byteAt(frame, 1) <= READ_INPUT_REGISTERS;
     ResponseFilter filter(m_judge, frame, replyLength);
     Exchange exchange;
     if (m_settings.echo)
         exchange.outcome = takeEcho(frame, filter, times);
     if (exchange.outcome == Exchange::NO_RESPONSE)
         exchange = receive(filter, times);
+    m_isCuttable = true;
     m_taps.received(exchange.reply, filter.lastArrival());
     exchange.isQuiet = !m_hasReceived;
     hear(m_between, filter.takeRest());
@@ -74,11 +80,10 @@ Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, ResponseFilter &
     const Clock::time_point deadline = m_lastByte + milliseconds(times.responseTimeout);
     QByteArray echo;
     while (echo.size() < frame.size() && frame.startsWith(echo)) {
-        const int left = millisecondsUntil(deadline);
-        const QByteArray bytes = left > 0 ? read(left) : QByteArray();
-        if (bytes.isEmpty())
+        const int left = timeLeft(deadline);
+        if (left == 0)
             break;
-        echo.append(bytes);
+        echo.append(read(left));
     }
     if (echo.isEmpty())
         return Exchange::NO_ECHO;
@@ -114,7 +119,7 @@ void SerialLine::awaitResponse(ResponseFilter &filter, Clock::time_point deadlin
 {
     const int pause = interCharacterTimeout(m_settings);
     while (!filter.hasBegun()) {
-        const int left = millisecondsUntil(deadline);
+        const int left = timeLeft(deadline);
         if (left == 0) {
             filter.gap(); // the response may have begun after what looked like another frame
             hear(filter, QByteArray());
@@ -144,8 +149,16 @@ void SerialLine::listen(milliseconds time)
 {
     const int pause = interCharacterTimeout(m_settings);
     const Clock::time_point end = Clock::now() + time;
-    for (int left = millisecondsUntil(end); left > 0; left = millisecondsUntil(end))
+    for (int left = timeLeft(end); left > 0; left = timeLeft(end))
         hear(m_between, read(m_between.isEmpty() ? left : std::min(left, pause)));
+}
+
+int SerialLine::timeLeft(Clock::time_point end) const
+{
+    const int left = millisecondsUntil(end);
+    if (!m_isCuttable)
+        return left;
+    return m_cut.isDue() ? 0 : std::min(left, CUT_INTERVAL);
 }
 
 // Adds bytes to the filter, or ends an incomplete frame if there are none after a pause. Reports

@@ -6,6 +6,7 @@
 #include "host/core/line/line_tap.h"
 #include "host/core/line/line_times.h"
 #include "host/core/line/port_finder.h"
+#include "host/core/line/read_cut.h"
 #include "host/core/line/response_filter.h"
 #include "host/core/line/serial_port.h"
 
@@ -42,10 +43,10 @@ struct Exchange {
 class SerialLine
 {
 public:
-    /// Opens the port; `lastSeen` as in findPort. `taps` and `judge` are the caller's and outlive the
-    /// line. Throws PortError.
+    /// Opens the port; `lastSeen` as in findPort. `taps`, `judge` and `cut` are the caller's and
+    /// outlive the line. Throws PortError.
     SerialLine(const LineSettings &settings, const LineTaps &taps, FrameJudge &judge,
-               const AdapterIdentity &lastSeen = {});
+               const ReadCut &cut, const AdapterIdentity &lastSeen = {});
 
     /// Waits for the frame gap. The judge sees every whole frame that was received since the last
     /// exchange, so the caller can choose the next request by it. Throws PortError.
@@ -69,6 +70,7 @@ private:
     Exchange receive(ResponseFilter &filter, const ExchangeTimes &times);
     void awaitResponse(ResponseFilter &filter, Clock::time_point deadline);
     void collectRest(ResponseFilter &filter, Clock::time_point deadline);
+    int timeLeft(Clock::time_point end) const;
     void hear(ResponseFilter &filter, const QByteArray &bytes);
     void forgetRest();
     QByteArray read(int timeout);
@@ -76,10 +78,12 @@ private:
     const LineSettings m_settings;
     const LineTaps &m_taps;
     FrameJudge &m_judge;
+    const ReadCut &m_cut;
     SerialPort m_port;
     ResponseFilter m_between;     // bytes received between two exchanges
     Clock::time_point m_lastByte; // sent or received
     bool m_hasReceived = false;   // since the request was sent
+    bool m_isCuttable = true;     // no response to a write is awaited
 };
 
 } // namespace velko

@@ -33,7 +33,7 @@ CommunicationLoop::CommunicationLoop(const std::string &libraryFile, const Link 
       m_driver(libraryFile),
       m_stations(m_driver.driver()),
       m_status(m_stations),
-      m_port(m_taps, m_open, m_reporter, m_status),
+      m_port(m_taps, m_open, m_readCut, m_reporter, m_status),
       m_talk(m_port, m_open),
       m_watch(m_driver, m_stations, m_open, m_reporter),
       m_writes(m_driver, m_reporter)
@@ -137,6 +137,7 @@ void CommunicationLoop::exchange(const Protocol &request)
 {
     m_isInProgress = true;
     try {
+        m_status.setAwaited(request.var.station, request.var.ownerTag > 0);
         const StationTalk::Result result = m_talk.ask(request);
         if (result.kind == StationTalk::CHECK_READ && result.isAnswered)
             noteRead(result, "check read");
@@ -173,6 +174,7 @@ void CommunicationLoop::probe(const Probe &probe)
 {
     const Clock::time_point begin = Clock::now();
     try {
+        m_status.setAwaited(probe.station, false);
         const StationTalk::Result result = m_talk.probe(probe);
         m_watch.probeEnded(probe, begin);
         noteRead(result, "probe");

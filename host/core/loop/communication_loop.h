@@ -66,7 +66,13 @@ public:
     /// How long to wait after a turn without a request, unless there is an order.
     milliseconds idleTime() const;
 
+    /// True between the frames of one request. Only between two turns.
+    bool isInProgress() const { return m_isInProgress; }
+
     // --- Any thread ---
+
+    /// Ends the wait for responses when the program ends.
+    ReadCut &readCut() { return m_readCut; }
 
     const LinkStatus &status() const { return m_status; }
 
@@ -94,6 +100,7 @@ private:
     StationStates m_stations;
     LinkStatus m_status;
     OpenRequests m_open;
+    ReadCut m_readCut;
     LinkPort m_port;
     StationTalk m_talk;
     StationWatch m_watch;

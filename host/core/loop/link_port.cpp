@@ -16,10 +16,11 @@ const milliseconds LONGEST_PAUSE(5000);
 
 } // namespace
 
-LinkPort::LinkPort(const LineTaps &taps, FrameJudge &judge, const Reporter &reporter,
-                   LinkStatus &status)
+LinkPort::LinkPort(const LineTaps &taps, FrameJudge &judge, const ReadCut &cut,
+                   const Reporter &reporter, LinkStatus &status)
     : m_taps(taps),
       m_judge(judge),
+      m_cut(cut),
       m_reporter(reporter),
       m_status(status),
       m_pauses(FIRST_PAUSE, PAUSE_STEP, LONGEST_PAUSE)
@@ -38,10 +39,11 @@ bool LinkPort::setSettings(const LineSettings &settings)
 void LinkPort::open()
 {
     try {
-        m_line = std::make_unique<SerialLine>(m_settings, m_taps, m_judge, m_adapter);
+        m_line = std::make_unique<SerialLine>(m_settings, m_taps, m_judge, m_cut, m_adapter);
     } catch (const PortError &error) {
         if (m_status.portText() != error.what())
-            m_reporter.report(Event::PORT_MISSING, joined(m_settings.devices), error.what());
+            m_reporter.report(Event::PORT_MISSING, joined(m_settings.devices),
+                              std::string(error.what()) + "; it is tried again");
         m_status.setPort(false, error.what());
         throw;
     }

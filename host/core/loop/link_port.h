@@ -22,8 +22,9 @@ namespace velko
 class LinkPort
 {
 public:
-    /// `taps`, `judge`, `reporter` and `status` are the caller's and outlive this object.
-    LinkPort(const LineTaps &taps, FrameJudge &judge, const Reporter &reporter, LinkStatus &status);
+    /// The arguments are the caller's and outlive this object.
+    LinkPort(const LineTaps &taps, FrameJudge &judge, const ReadCut &cut, const Reporter &reporter,
+             LinkStatus &status);
 
     /// Sets the settings for the next opening. Returns true if the port is open with other
     /// settings.
@@ -57,6 +58,7 @@ public:
 private:
     const LineTaps &m_taps;
     FrameJudge &m_judge;
+    const ReadCut &m_cut;
     const Reporter &m_reporter;
     LinkStatus &m_status;
     LineSettings m_settings;

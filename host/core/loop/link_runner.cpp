@@ -12,32 +12,57 @@ LinkRunner::~LinkRunner()
     stop();
 }
 
-void LinkRunner::start()
+void LinkRunner::start(MissingPort missing)
 {
     stop(); // an earlier start that failed, or that still runs
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_isStopping = false;
-        m_isOpened = false;
+        m_hasTried = false;
+        m_missing = missing;
         m_openError.clear();
     }
+    m_loop.readCut().withdraw();
     m_thread.reset(QThread::create([this] { run(); }));
     m_thread->start();
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_isOpened || !m_openError.empty(); });
-    if (!m_openError.empty())
+    m_changed.wait(lock, [this] { return m_hasTried; });
+    if (!m_openError.empty() && missing == MissingPort::FAIL)
         throw PortError(m_openError);
 }
 
 void LinkRunner::stop()
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_isStopping = true;
-    }
-    m_changed.notify_all();
+    requestStop();
     if (m_thread)
         m_thread->wait();
+}
+
+void LinkRunner::requestStop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_isStopping)
+            return;
+        m_isStopping = true;
+    }
+    m_loop.readCut().request();
+    m_changed.notify_all();
+}
+
+void LinkRunner::pause(milliseconds limit)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_isPauseWanted = true;
+    m_changed.notify_all();
+    m_changed.wait_for(lock, limit, [this] { return m_isPaused || hasEnded(); });
+}
+
+void LinkRunner::resume()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_isPauseWanted = false;
+    m_changed.notify_all();
 }
 
 void LinkRunner::post(const Order &order)
@@ -59,7 +84,7 @@ bool LinkRunner::isIdle() const
 void LinkRunner::run()
 {
     takeOrders(); // other settings apply before the port is opened
-    if (!openFirst())
+    if (!openFirst() && !mayStayClosed())
         return;
     while (beginTurn())
         turn();
@@ -70,24 +95,34 @@ void LinkRunner::run()
 bool LinkRunner::beginTurn()
 {
     takeOrders();
+    // The read half of a bit write must not be long before its write half.
+    if (!m_loop.isInProgress())
+        keepPause();
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_isIdle = m_orders.empty() && !m_loop.hasPendingWrites();
     return !m_isStopping;
+}
+
+void LinkRunner::keepPause()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_isPaused = m_isPauseWanted;
+    m_changed.notify_all();
+    m_changed.wait(lock, [this] { return !m_isPauseWanted || m_isStopping; });
+    m_isPaused = false;
 }
 
 void LinkRunner::turn()
 {
     if (m_loop.isOpen()) {
         if (!m_loop.turn())
-            pause(m_loop.idleTime());
+            sleep(m_loop.idleTime());
         return;
     }
     if (const std::optional<milliseconds> time = m_loop.reopen())
-        pause(*time);
+        sleep(*time);
 }
 
-// Does not wait for the port: its name may be wrong. Only a port that was open before is waited
-// for.
 bool LinkRunner::openFirst()
 {
     std::string error;
@@ -97,10 +132,16 @@ bool LinkRunner::openFirst()
         error = thrown.what();
     }
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_isOpened = error.empty();
+    m_hasTried = true;
     m_openError = error;
     m_changed.notify_all();
-    return m_isOpened;
+    return error.empty();
+}
+
+bool LinkRunner::mayStayClosed() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_missing == MissingPort::WAIT;
 }
 
 void LinkRunner::takeOrders()
@@ -114,10 +155,11 @@ void LinkRunner::takeOrders()
         order(m_loop);
 }
 
-void LinkRunner::pause(milliseconds time)
+void LinkRunner::sleep(milliseconds time)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_changed.wait_for(lock, time, [this] { return m_isStopping || !m_orders.empty(); });
+    m_changed.wait_for(lock, time,
+                       [this] { return m_isStopping || m_isPauseWanted || !m_orders.empty(); });
 }
 
 } // namespace velko

@@ -36,9 +36,9 @@ LinkSession::LinkSession(const std::string &libraryFile, const Link &link,
 {
 }
 
-void LinkSession::start()
+void LinkSession::start(MissingPort missing)
 {
-    m_runner.start();
+    m_runner.start(missing);
 }
 
 void LinkSession::stop()

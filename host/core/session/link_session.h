@@ -33,13 +33,27 @@ public:
     LinkSession(const LinkSession &) = delete;
     LinkSession &operator=(const LinkSession &) = delete;
 
-    /// Opens the port and starts the communication thread. Throws PortError; nothing runs then. May
-    /// be called again, also after stop().
-    void start();
+    /// Opens the port and starts the communication thread. May be called again, also after stop().
+    /// With MissingPort::FAIL, throws PortError if the port cannot be opened; nothing runs then.
+    void start(MissingPort missing = MissingPort::FAIL);
 
     /// Ends the communication thread after the exchange in progress. Reports queued writes as
     /// failed. Not from the communication thread.
     void stop();
+
+    /// The first half of stop(): does not wait. A read in progress ends within ReadCut::PATIENCE, a
+    /// write within its response timeout.
+    void requestStop() { m_runner.requestStop(); }
+    /// True if the communication thread has ended.
+    bool hasEnded() const { return m_runner.hasEnded(); }
+
+    /// Halts the communication thread between two requests until resume(). Returns when it is there,
+    /// after at most `limit` in any case.
+    void pause(milliseconds limit) { m_runner.pause(limit); }
+    void resume() { m_runner.resume(); }
+
+    /// As LinkStatus::awaitedText.
+    std::string awaitedText() const { return m_loop.status().awaitedText(); }
 
     /// Replaces the variables and the settings of the link. Its name must be the same. Queued
     /// writes and stored values are kept, unless the settings of the line change. Throws

@@ -11,6 +11,9 @@ namespace velko
 namespace
 {
 
+// A user who presses Ctrl-Z does not wait longer for a station that is silent.
+const milliseconds LONGEST_PAUSE(2000);
+
 bool isRead(const Link &link)
 {
     return std::any_of(link.variables.begin(), link.variables.end(),
@@ -34,14 +37,44 @@ PollSession::PollSession(const std::string &libraryFile, const std::vector<Link>
         m_links.push_back(std::make_unique<LinkSession>(libraryFile, link, taps, *this));
 }
 
-void PollSession::start()
+void PollSession::start(MissingPort missing)
 {
     for (const auto &link : m_links)
-        link->start();
+        link->start(missing);
+}
+
+void PollSession::requestStop()
+{
+    for (const auto &link : m_links)
+        link->requestStop();
+}
+
+std::vector<std::string> PollSession::awaited() const
+{
+    std::vector<std::string> texts;
+    for (const auto &link : m_links) {
+        const std::string text = link->awaitedText();
+        if (!link->hasEnded() && !text.empty())
+            texts.push_back(link->link()->name + " waits for " + text);
+    }
+    return texts;
+}
+
+void PollSession::pause()
+{
+    for (const auto &link : m_links)
+        link->pause(LONGEST_PAUSE);
+}
+
+void PollSession::resume()
+{
+    for (const auto &link : m_links)
+        link->resume();
 }
 
 void PollSession::stop()
 {
+    requestStop(); // so that the links end at the same time
     for (const auto &link : m_links)
         link->stop();
 }

@@ -24,11 +24,20 @@ public:
     PollSession(const std::string &libraryFile, const std::vector<Link> &links,
                 const std::vector<LineTap *> &taps);
 
-    /// Starts every link. Throws PortError.
-    void start();
+    /// Starts every link. `missing`: as for LinkSession::start. Throws PortError.
+    void start(MissingPort missing);
 
     /// Stops every link. takeEvents() returns the last events afterwards.
     void stop();
+    /// The first half of stop(): does not wait.
+    void requestStop();
+    /// Returns, for each link whose thread has not ended, what it waits for, for example "packing
+    /// waits for station 3 to answer a read".
+    std::vector<std::string> awaited() const;
+
+    /// As LinkSession::pause and LinkSession::resume, for all links.
+    void pause();
+    void resume();
 
     /// Replaces the variables and settings of all links. Throws std::runtime_error if the links are not
     /// the same as before, std::invalid_argument if one of them is refused; nothing is changed then.

@@ -34,6 +34,13 @@ void LinkStatus::setStaleAfter(milliseconds age)
     m_staleAfter = age;
 }
 
+void LinkStatus::setAwaited(int station, bool isWrite)
+{
+    const Lock lock(m_mutex);
+    m_awaitedStation = station;
+    m_isWriteAwaited = isWrite;
+}
+
 void LinkStatus::writeBegins(const Variable &variable)
 {
     const Lock lock(m_mutex);
@@ -116,6 +123,15 @@ std::string LinkStatus::portText() const
 {
     const Lock lock(m_mutex);
     return m_portText;
+}
+
+std::string LinkStatus::awaitedText() const
+{
+    const Lock lock(m_mutex);
+    if (m_awaitedStation == 0)
+        return std::string();
+    return "station " + std::to_string(m_awaitedStation) + " to answer a "
+           + (m_isWriteAwaited ? "write" : "read");
 }
 
 std::int64_t LinkStatus::cycles() const

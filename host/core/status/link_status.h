@@ -51,6 +51,8 @@ public:
     /// `text` as portText returns it.
     void setPort(bool isOpen, const std::string &text);
     void setStaleAfter(milliseconds age);
+    /// A response is awaited. `isWrite`: its request belongs to a write.
+    void setAwaited(int station, bool isWrite);
     /// A write of the variable is queued. Its value in the store may not be in the PLC yet.
     void writeBegins(const Variable &variable);
     /// The result of a write is known.
@@ -70,6 +72,9 @@ public:
     std::vector<StationStatus> stations() const;
     bool isOnline(int station) const { return m_stationStates.isOnline(station); }
     bool isPortOpen() const;
+    /// The response that is awaited, or was last, for example "station 3 to answer a read". Empty if
+    /// there was none.
+    std::string awaitedText() const;
     /// The device, or the reason why no port is open.
     std::string portText() const;
     /// Number of completed cycles. In a cycle, every cyclic request to an online station succeeds
@@ -85,6 +90,8 @@ private:
     mutable std::mutex m_mutex; // guards all below
     bool m_isPortOpen = false;
     std::string m_portText;
+    int m_awaitedStation = 0; // 0: none
+    bool m_isWriteAwaited = false;
     milliseconds m_staleAfter = {};
     std::map<int, StationCounters> m_counters; // by station
     RegisterStates m_registers;
