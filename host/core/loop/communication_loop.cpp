@@ -86,9 +86,10 @@ bool CommunicationLoop::write(const WriteOrder &order)
     WriteOrder whole = order;
     whole.maxRegs = m_link.maxRegsOf(order.variable.station);
     whole.repeats = m_link.queueAgain;
+    m_status.writeBegins(order.variable); // before the store shows the value
     const bool isAdded = m_writes.add(whole, obstacleTo(order.variable));
-    if (isAdded)
-        m_status.writeBegins(order.variable);
+    if (!isAdded)
+        m_status.writeEnds(order.variable);
     noteWrites();
     return isAdded;
 }
@@ -259,15 +260,13 @@ void CommunicationLoop::noteWrites()
     const Verdict notWritten(Verdict::NOT_SENT, "a write failed, and it was not read since");
     for (const EndedWrite &write : m_writes.takeEnded()) {
         const Variable &variable = write.variable;
-        m_status.writeEnds(variable);
-        if (write.result == Event::WRITE_SUPERSEDED)
-            continue;
         // The store shows the value of the write, even if it failed. For a variable that is read,
         // the next read decides.
         const bool isDone = write.result == Event::WRITE_DONE;
-        if (!isDone || !variable.isRead())
+        if (write.result == Event::WRITE_FAILED || (isDone && !variable.isRead()))
             m_status.readEnded(variable.station, registersOf(variable),
                                isDone ? written : notWritten);
+        m_status.writeEnds(variable);
     }
 }
 

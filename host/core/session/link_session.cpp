@@ -18,11 +18,16 @@ const Link &checked(const Link &link)
     return link;
 }
 
+// The value must not be older than its state. And the store shows a write before the PLC has it: if
+// one has begun meanwhile, the later state counts.
 ValueRow rowOf(const std::string &link, const Variable &variable, const CommunicationLoop &loop)
 {
-    // The state is read first, so that the value is not older than its state.
-    const ValueState state = loop.status().stateOf(variable);
-    return {link, variable, state.age ? textOf(variable, loop.value(variable)) : "-", state};
+    ValueState state = loop.status().stateOf(variable);
+    const std::string text = state.age ? textOf(variable, loop.value(variable)) : "-";
+    const ValueState later = loop.status().stateOf(variable);
+    if (later.freshness != Freshness::GOOD)
+        state = later;
+    return {link, variable, text, state};
 }
 
 } // namespace
