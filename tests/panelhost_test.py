@@ -11,6 +11,7 @@ import re
 import select
 import shlex
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
@@ -42,6 +43,18 @@ def wait_for(condition, what):
         if time.monotonic() > end:
             raise AssertionError("waited in vain for " + what)
         time.sleep(0.02)
+
+
+def frames_in(capture):
+    """The frames of a capture file in the classic format, written on a machine of this byte order."""
+    with open(capture, "rb") as file:
+        content = file.read()
+    frames, place = [], 24
+    while place < len(content):
+        length = struct.unpack_from("=I", content, place + 8)[0]
+        frames.append(content[place + 16:place + 16 + length])
+        place += 16 + length
+    return frames
 
 
 class Simulator:
@@ -241,12 +254,16 @@ class PanelhostTest(unittest.TestCase):
     def test_two_links(self):
         with Simulator("--station", "1") as one, Simulator("--station", "2") as two:
             second = self.link(two.device, 'name = "b"\nstation = 2\nkind = "input word"\naddress = 12')
-            path = self.file(self.link(one.device, 'name = "a"\nkind = "input word"\naddress = 13')
-                             + second.replace('"l"', '"m"'))
-            result = run("poll", path, "--cycles", "3", "--set", "a=1", "--set", "none=1")
+            first = self.link(one.device, 'name = "a"\nkind = "input word"\naddress = 13')
+            path = self.file(first.replace('"l"', '"x/l"') + second.replace('"l"', '"x_L"'))
+            capture = os.path.join(self.folder.name, "c.d.pcap")
+            result = run("poll", path, "--cycles", "3", "--set", "a=1", "--set", "none=1", "--pcap", capture)
             self.assert_ends(result, 6, "a = 41359  (good)", "b = 38536  (good)", "2 of 2 values are good.",
-                             "Link l, station 1 sent", "Link m, station 2 sent",
+                             "Link x/l, station 1 sent", "Link x_L, station 2 sent",
                              "a = 1: refused: it is read only", "none=1: refused: there is no variable")
+        captures = {name: {frame[0] for frame in frames_in(os.path.join(self.folder.name, name))}
+                    for name in os.listdir(self.folder.name) if name.endswith(".pcap")}
+        self.assertEqual(captures, {"c.d-x_l.pcap": {1}, "c.d-x_L-2.pcap": {2}})  # the stations in each
 
     def test_capture_and_trace(self):
         capture = os.path.join(self.folder.name, "x.pcap")

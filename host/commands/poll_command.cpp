@@ -33,6 +33,15 @@ NAME=VALUE on standard input queues a write, and SIGHUP reads the file again: qu
 values are kept. The result of each write is reported: done, failed, superseded by a newer write of
 the same variable, or refused.)";
 
+std::vector<std::string> namesOf(const std::vector<Link> &links)
+{
+    std::vector<std::string> names;
+    names.reserve(links.size());
+    for (const Link &link : links)
+        names.push_back(link.name);
+    return names;
+}
+
 // Exit status for the values at the end.
 int statusOf(const Snapshot &snapshot)
 {
@@ -79,8 +88,9 @@ PollCommand::PollCommand(CLI::App &program)
 int PollCommand::run()
 {
     const std::vector<Link> links = readFile();
-    m_talk.begin();
-    PollSession session(m_talk.library(), links, m_talk.taps());
+    m_talk.begin(namesOf(links));
+    PollSession session(m_talk.library(), links,
+                        [this](const std::string &link) { return m_talk.taps(link); });
     Snapshot last;
     {
         const std::unique_ptr<PollView> view = makeView();

@@ -96,7 +96,7 @@ int SimulateCommand::run()
     settings.echo = m_echo;
     settings.moving = true;
     m_taps.begin();
-    settings.taps = {"line", m_taps.taps()};
+    settings.taps = {SINGLE_LINE, m_taps.taps()};
     requireDifferent(m_stations);
     const std::vector<StationFault> faults = faultsAtStart();
     const FaultSchedule schedule = laterFaults();

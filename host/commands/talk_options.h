@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,6 +19,9 @@ namespace velko
 /// (in a build tree) or, if installed, in the folder of libraries.
 std::string driverFile();
 
+/// Name of the line of a command that has only one.
+const char *const SINGLE_LINE = "line";
+
 /// --trace and --pcap.
 class TapOptions
 {
@@ -27,20 +31,22 @@ public:
     /// True if --trace was given.
     bool isTraced() const { return m_isTraced; }
 
-    /// Starts the trace and the capture file. Throws std::runtime_error.
-    void begin();
+    /// Starts the trace, and one capture file for each of the links. Throws std::invalid_argument
+    /// for wrong usage, std::runtime_error if a file cannot be written.
+    void begin(const std::vector<std::string> &links = {SINGLE_LINE});
 
-    /// Returns the taps that the options select, owned by this object. Call it after begin().
-    std::vector<LineTap *> taps() const;
+    /// Returns the taps that the options select for one of these links, owned by this object. Call
+    /// it after begin().
+    std::vector<LineTap *> taps(const std::string &link = SINGLE_LINE) const;
 
-    /// Completes the capture file. Throws std::runtime_error if it is not complete.
+    /// Completes the capture files. Throws std::runtime_error if one of them is not complete.
     void finish();
 
 private:
     bool m_isTraced = false;
     std::string m_captureFile;
     std::unique_ptr<TraceTap> m_trace;
-    std::unique_ptr<CaptureTap> m_capture;
+    std::map<std::string, std::unique_ptr<CaptureTap>> m_captures; // by link
 };
 
 /// Adds --library.

@@ -31,10 +31,11 @@ template <typename Rows> void append(Rows &rows, Rows &&more)
 } // namespace
 
 PollSession::PollSession(const std::string &libraryFile, const std::vector<Link> &links,
-                         const std::vector<LineTap *> &taps)
+                         const TapsOfLink &tapsOf)
 {
     for (const Link &link : links)
-        m_links.push_back(std::make_unique<LinkSession>(libraryFile, link, taps, *this));
+        m_links.push_back(
+            std::make_unique<LinkSession>(libraryFile, link, tapsOf(link.name), *this));
 }
 
 void PollSession::start(MissingPort missing)

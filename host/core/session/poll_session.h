@@ -7,6 +7,7 @@
 #include "host/core/session/link_session.h"
 #include "host/core/session/snapshot.h"
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -15,14 +16,17 @@
 namespace velko
 {
 
+/// Returns the taps of a link.
+using TapsOfLink = std::function<std::vector<LineTap *>(const std::string &link)>;
+
 /// Any thread may call. Calls of start(), stop() and reload() must not overlap.
 class PollSession : public EventSink
 {
 public:
-    /// `links` have different names. `taps` are the caller's and outlive the session. Throws
-    /// std::runtime_error.
+    /// `links` have different names. `tapsOf` is called once for each link; the taps are the
+    /// caller's and outlive the session. Throws std::runtime_error.
     PollSession(const std::string &libraryFile, const std::vector<Link> &links,
-                const std::vector<LineTap *> &taps);
+                const TapsOfLink &tapsOf);
 
     /// Starts every link. `missing`: as for LinkSession::start. Throws PortError.
     void start(MissingPort missing);
