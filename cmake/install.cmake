@@ -11,7 +11,7 @@ install(DIRECTORY examples/two-lines
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/velko-modbus-rtu-dev/examples COMPONENT development)
 if(TARGET panelhost)
     install(TARGETS panelhost DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
-    install(FILES CHANGES.md docs/panelhost.md examples/packing-line.toml
+    install(FILES CHANGES.md docs/panelhost.md docs/json.md examples/packing-line.toml
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/velko-modbus-rtu COMPONENT runtime)
 endif()
 

@@ -4,6 +4,7 @@
 
 VELKO_LAUNCHER in the environment is a command that starts PANELHOST, such as an emulator.
 """
+import datetime
 import json
 import os
 import pty
@@ -20,6 +21,7 @@ import time
 import tty
 import unittest
 
+from json_page import JsonPage
 from pymodbus.datastore import ModbusSequentialDataBlock, ModbusServerContext, ModbusSlaveContext
 from pymodbus.server.async_io import StartSerialServer
 from pymodbus.transaction import ModbusRtuFramer
@@ -78,9 +80,10 @@ class Simulator:
 
 
 class Poll:
-    """panelhost poll --json: its lines as objects."""
+    """panelhost poll --json: its lines as objects, checked against their page."""
 
-    def __init__(self, path, *arguments):
+    def __init__(self, path, *arguments, page=None):
+        self.page = page or JsonPage()
         self.process = subprocess.Popen([*PANELHOST, "poll", path, "--json", *arguments], text=True,
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self.seen = []
@@ -109,6 +112,8 @@ class Poll:
         self.thread.join()
         self.process.stdin.close()
         self.process.stdout.close()
+        for line in self.seen:
+            self.page.check(line)
 
 
 class PymodbusSlave:
@@ -251,6 +256,43 @@ class PanelhostTest(unittest.TestCase):
                 poll.wait(event="note", text='nothing: refused: "nothing" is not NAME=VALUE')
             self.assertEqual(poll.process.returncode, 6)  # for that one
 
+    def test_json_lines(self):
+        word = 'name = "{}"\nstation = {}\nkind = "holding word"\naddress = {}\naccess = "read-write"\n'
+        page = JsonPage()
+        with Simulator("--station", "1", "--station", "2", "--fault", "2:silent") as plc:
+            path = self.file(self.link(
+                plc.device, word.format("a", 1, 0), word.format("h", 1, 150) + 'format = "hex"\ncount = 2',
+                word.format("t", 1, 160) + 'format = "text"', word.format("s", 2, 0), word.format("e", 1, 9000)))
+            self.assert_ends(run("poll", path, "--json", "--heartbeat", "0.09"), 2, "--heartbeat")
+            with Poll(path, "--heartbeat", "0.3", page=page) as poll:
+                poll.wait(event="value", name="a", value=23205, state="good")
+                poll.write("h=0x0A0F 0xFFFF")
+                poll.wait(event="value", name="h", value=["0x0A0F", "0xFFFF"], state="good")
+                poll.wait(event="value", name="e", value=None, state="never read",
+                          reason="exception 2 (illegal data address)")
+                poll.wait(event="station", station=2, state="offline")
+                wait_for(lambda: len([item for item in list(poll.seen) if item.get("name") == "a"]) > 3, "repetitions")
+                wait_for(lambda: len([item for item in list(poll.seen) if item["event"] == "counters"]) > 4, "counters")
+                poll.write("a=70000")
+                poll.wait(event="write", name="a", value="70000", state="refused")
+                poll.write("a=7")
+                poll.wait(event="value", name="a", value=7, state="good")
+                plc.set_fault("2:none")
+                poll.wait(event="station", station=2, state="online")
+                poll.process.send_signal(signal.SIGHUP)
+                poll.wait(event="note", link=None)
+                plc.process.terminate()
+                poll.wait(event="port", state="disconnected")
+        now = datetime.datetime.now(datetime.timezone.utc)
+        age = now - datetime.datetime.strptime(poll.seen[-1]["time"] + "+0000", "%Y-%m-%dT%H:%M:%S.%fZ%z")
+        self.assertLess(abs(age.total_seconds()), LIMIT)
+        counters, summary = ([item for item in poll.seen if item["event"] == event and item["station"] == 1]
+                             for event in ("counters", "summary"))
+        self.assertLess(counters[0]["sent"], summary[0]["sent"])
+        self.assertEqual(counters[-1].keys(), summary[0].keys())
+        self.assertIn("2", summary[0]["exceptions"])
+        self.assertEqual(page.unseen, set())
+
     def test_two_links(self):
         with Simulator("--station", "1") as one, Simulator("--station", "2") as two:
             second = self.link(two.device, 'name = "b"\nstation = 2\nkind = "input word"\naddress = 12')
@@ -282,5 +324,6 @@ class PanelhostTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
+    os.environ["TZ"] = "UTC-5"  # a local time would differ from UTC
     PANELHOST = [*shlex.split(os.environ.get("VELKO_LAUNCHER", "")), sys.argv.pop(1)]
     unittest.main(verbosity=2)

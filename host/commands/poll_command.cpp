@@ -82,6 +82,15 @@ PollCommand::PollCommand(CLI::App &program)
     CLI::Option *const json = m_options.add_flag("--json", m_isJson, "print JSON lines");
     m_options.add_flag("--lines", m_isLines, "print lines of text, also on a terminal")
         ->excludes(json);
+    m_options
+        .add_option(
+            "--heartbeat", m_heartbeat,
+            "with --json: repeat unchanged values and print the counters of the stations at "
+            "least this often, in seconds")
+        ->type_name("SECONDS")
+        ->check(secondsFrom(SHORTEST_HEARTBEAT, LONGEST_HEARTBEAT))
+        ->needs(json)
+        ->capture_default_str();
     m_options.footer(FOOTER);
 }
 
@@ -116,11 +125,12 @@ std::vector<Link> PollCommand::readFile() const
     return links;
 }
 
-// Trace lines would break the table.
+// Trace lines would break the table. Views are refreshed in intervals: a heartbeat is not later than
+// its time if it may be one interval earlier.
 std::unique_ptr<PollView> PollCommand::makeView() const
 {
     if (m_isJson)
-        return std::make_unique<JsonView>();
+        return std::make_unique<JsonView>(milliseconds(millisecondsIn(m_heartbeat) - REFRESH));
     if (m_isLines || m_talk.isTraced() || ::isatty(STDOUT_FILENO) == 0)
         return std::make_unique<LinesView>();
     return std::make_unique<LiveTable>();

@@ -38,6 +38,7 @@ private:
     std::vector<std::string> m_assignments;
     std::string m_seconds;
     int m_cycles = 0;
+    std::string m_heartbeat = "10";
     bool m_isJson = false;
     bool m_isLines = false;
     bool m_isFailFast = false;

@@ -45,7 +45,7 @@ QJsonObject valueObject(const ValueRow &row)
         {"station", row.variable.station}, {"address", jsonText(placeOf(row.variable))},
         {"value", valueOf(row)},           {"state", nameOf(row.state.freshness)}};
     if (row.state.age)
-        object["age"] = static_cast<double>(row.state.age->count()) / 1000;
+        object["age"] = jsonThousandth(row.state.age->count());
     if (!row.state.lastAttempt.text.empty())
         object["reason"] = jsonText(row.state.lastAttempt.text);
     return object;

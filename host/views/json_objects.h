@@ -26,4 +26,10 @@ inline QString jsonText(const std::string &text)
     return QString::fromStdString(text);
 }
 
+/// Returns microseconds as milliseconds, or milliseconds as seconds.
+inline double jsonThousandth(qint64 count)
+{
+    return static_cast<double>(count) / 1000;
+}
+
 } // namespace velko

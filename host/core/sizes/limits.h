@@ -39,6 +39,8 @@ const int HIGHEST_QUEUE_AGAIN = 100; // of one write, after it was given up
 const int LONGEST_TIME = 60000;   // of timeouts and the guard time
 const int LONGEST_SILENCE = 1000; // of the frame gap
 const int LONGEST_STALE_AFTER = 24 * 60 * 60 * 1000;
+const int SHORTEST_HEARTBEAT = 100;
+const int LONGEST_HEARTBEAT = 24 * 60 * 60 * 1000;
 const int SHORTEST_RUN = 100;
 const int LONGEST_RUN = 999999999; // 9 digits of milliseconds, more than eleven days
 
