@@ -291,6 +291,15 @@ class PanelhostTest(unittest.TestCase):
         self.assertLess(counters[0]["sent"], summary[0]["sent"])
         self.assertEqual(counters[-1].keys(), summary[0].keys())
         self.assertIn("2", summary[0]["exceptions"])
+        plan = run("plan", "--json", self.file(self.link(
+            "/dev/x", word.format("a", 1, 10), word.format("b", 1, 70), settings="baud = 9600")))
+        request, cycle = map(json.loads, plan.stdout.splitlines())
+        for line in (request, cycle):
+            page.check(line)
+        self.assertEqual((request["register"], request["asked"], request["wanted"]), (10, 61, 2))
+        # 8 + 5 + 2 x 61 bytes of 11 bits at 9,600 baud; two frame gaps of 3.5 characters each.
+        self.assertEqual((request["lineMs"], cycle["cycleMs"]), (154.687, 162.709))
+        self.assertEqual([request["gaps"][0][key] for key in ("register", "count", "maxRegs")], [11, 59, 58])
         self.assertEqual(page.unseen, set())
 
     def test_two_links(self):

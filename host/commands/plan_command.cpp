@@ -19,6 +19,7 @@ PlanCommand::PlanCommand(CLI::App &program)
     m_options.add_option("--library", m_library, "driver library file")
         ->type_name("FILE")
         ->capture_default_str();
+    m_options.add_flag("--json", m_isJson, "print JSON lines");
     m_options.footer(
         "asked: registers of the request; wanted: registers that a variable needs; gap: gap "
         "registers, "
@@ -30,9 +31,11 @@ int PlanCommand::run()
     const std::vector<Link> links = readLinkFile(m_file);
     RequestPlanner planner(m_library);
     for (const Link &link : links) {
-        std::printf("Link %s:\n", link.name.c_str());
-        for (const std::string &line : planReport(link, planner.plan(link)))
-            std::printf("  %s\n", line.c_str());
+        const std::vector<PlannedRequest> plan = planner.plan(link);
+        if (!m_isJson)
+            std::printf("Link %s:\n", link.name.c_str());
+        for (const std::string &line : m_isJson ? planJson(link, plan) : planReport(link, plan))
+            std::printf("%s%s\n", m_isJson ? "" : "  ", line.c_str());
     }
     return EXIT_GOOD;
 }

@@ -18,6 +18,7 @@ public:
 private:
     std::string m_file;
     std::string m_library;
+    bool m_isJson = false;
 };
 
 } // namespace velko

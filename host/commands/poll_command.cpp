@@ -125,8 +125,8 @@ std::vector<Link> PollCommand::readFile() const
     return links;
 }
 
-// Trace lines would break the table. Views are refreshed in intervals: a heartbeat is not later than
-// its time if it may be one interval earlier.
+// Trace lines would break the table. The view is refreshed in intervals: a heartbeat that may be one
+// interval early is never late.
 std::unique_ptr<PollView> PollCommand::makeView() const
 {
     if (m_isJson)

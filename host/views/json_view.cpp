@@ -65,7 +65,8 @@ bool JsonView::isDue(Clock::time_point last, Clock::time_point now) const
     return now - last >= m_heartbeat;
 }
 
-// A variable that no request has read yet is shown at the first heartbeat, unless it is only written.
+// A variable that no request has read yet is shown at the first heartbeat, unless it is only
+// written.
 void JsonView::showValue(const ValueRow &row, Clock::time_point now)
 {
     Shown &shown = m_shown.try_emplace(row.variable.name, Shown{{}, now}).first->second;

@@ -17,8 +17,8 @@ namespace velko
 class JsonView : public PollView
 {
 public:
-    /// An unchanged value is repeated, and the counters are printed, at the first call of show() that
-    /// comes at least `heartbeat` after the last time.
+    /// An unchanged value is repeated, and the counters are printed, at the first call of show()
+    /// that comes at least `heartbeat` after the last time.
     explicit JsonView(milliseconds heartbeat) : m_heartbeat(heartbeat) {}
 
     void show(const Snapshot &snapshot) override;

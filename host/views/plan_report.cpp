@@ -5,7 +5,11 @@
 #include "host/core/plan/wanted_registers.h"
 #include "host/core/text/numbers.h"
 #include "host/core/variables/kinds.h"
+#include "host/views/json_objects.h"
 #include "host/views/text_table.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
 
 namespace velko
 {
@@ -27,6 +31,38 @@ std::string hint(const PlannedRequest &request, const Gap &gap, const Link &link
              "again.";
 }
 
+microseconds timeInCycle(const RequestCost &cost, const Link &link)
+{
+    return cost.wireTime + 2 * frameGap(link.line);
+}
+
+QJsonObject gapObject(const PlannedRequest &request, const Gap &gap, const Link &link)
+{
+    QJsonObject object{{"register", gap.first + wireOffset(request.var.varKind)},
+                       {"count", gap.count},
+                       {"bytes", bytesOf(gap)},
+                       {"lineMs", jsonThousandth(wireTime(link.line, bytesOf(gap)).count())}};
+    if (isWorthSplitting(gap, link.line))
+        object["maxRegs"] = maxRegsToSplit(request.var, gap);
+    return object;
+}
+
+QJsonObject requestObject(const PlannedRequest &request, const RequestCost &cost, const Link &link)
+{
+    QJsonArray gaps;
+    for (const Gap &gap : cost.gaps)
+        gaps.append(gapObject(request, gap, link));
+    return {{"link", jsonText(link.name)},
+            {"station", request.var.station},
+            {"function", cost.function},
+            {"register", cost.wireRegister},
+            {"asked", cost.asked},
+            {"wanted", cost.wanted},
+            {"bytes", cost.bytes},
+            {"lineMs", jsonThousandth(cost.wireTime.count())},
+            {"gaps", gaps}};
+}
+
 } // namespace
 
 std::vector<std::string> planReport(const Link &link, const std::vector<PlannedRequest> &plan)
@@ -43,7 +79,7 @@ std::vector<std::string> planReport(const Link &link, const std::vector<PlannedR
                    std::to_string(cost.asked), std::to_string(cost.wanted),
                    std::to_string(cost.asked - cost.wanted), std::to_string(cost.bytes),
                    thousandths(cost.wireTime.count())});
-        total += cost.wireTime + 2 * frameGap(link.line);
+        total += timeInCycle(cost, link);
         for (const Gap &gap : cost.gaps)
             if (isWorthSplitting(gap, link.line))
                 hints.push_back(hint(request, gap, link));
@@ -53,6 +89,26 @@ std::vector<std::string> planReport(const Link &link, const std::vector<PlannedR
                     + thousandths(total.count()) + " ms at " + std::to_string(link.line.baudRate)
                     + " baud with frame gaps, plus the response times of the stations");
     lines.insert(lines.end(), hints.begin(), hints.end());
+    return lines;
+}
+
+std::vector<std::string> planJson(const Link &link, const std::vector<PlannedRequest> &plan)
+{
+    std::vector<std::string> lines;
+    microseconds total{};
+    int bytes = 0;
+    for (const PlannedRequest &request : plan) {
+        const RequestCost cost = costOf(request, link);
+        lines.push_back(jsonLine("request", requestObject(request, cost, link)));
+        total += timeInCycle(cost, link);
+        bytes += cost.bytes;
+    }
+    lines.push_back(jsonLine("cycle", {{"link", jsonText(link.name)},
+                                       {"requests", static_cast<int>(plan.size())},
+                                       {"bytes", bytes},
+                                       {"baud", link.line.baudRate},
+                                       {"frameGapMs", jsonThousandth(frameGap(link.line).count())},
+                                       {"cycleMs", jsonThousandth(total.count())}}));
     return lines;
 }
 

@@ -1,4 +1,4 @@
-// The cyclic requests and their cost as text.
+// The cyclic requests and their cost, as text and as JSON.
 #pragma once
 
 #include "host/core/links/link.h"
@@ -12,5 +12,9 @@ namespace velko
 
 /// Returns lines: a table of the requests, the cycle time and hints.
 std::vector<std::string> planReport(const Link &link, const std::vector<PlannedRequest> &plan);
+
+/// Returns lines: a "request" object for each request, then a "cycle" object. docs/json.md
+/// describes them.
+std::vector<std::string> planJson(const Link &link, const std::vector<PlannedRequest> &plan);
 
 } // namespace velko
