@@ -256,6 +256,22 @@ class PanelhostTest(unittest.TestCase):
                 poll.wait(event="note", text='nothing: refused: "nothing" is not NAME=VALUE')
             self.assertEqual(poll.process.returncode, 6)  # for that one
 
+    def test_lines(self):
+        with Simulator("--station", "1") as plc:
+            path = self.file(self.link(plc.device, 'name = "tenths"\nkind = "input word"\naddress = 0',
+                                       'name = "same"\nkind = "input word"\naddress = 13').replace("timeout = 100", "timeout = 5000"))
+            start = time.monotonic()
+            result = run("poll", path, "--lines", "--seconds", "2.5")
+            elapsed = time.monotonic() - start
+        self.assert_ends(result, 0)
+        lines, tables = result.stdout.split("\n\n", 1)
+        shown = re.findall(r"^\d\d:\d\d:\d\d\.\d{3}  tenths = (\d+)  \(good\)$", lines, re.MULTILINE)
+        self.assertEqual(len(set(shown)), len(shown))
+        self.assertGreaterEqual(len(shown), 2)
+        self.assertLessEqual(len(shown), elapsed + 2)  # at most one per second, the first and the last one
+        self.assertEqual([shown[-1]], re.findall(r"^tenths +1 +input word 0 +(\d+) ", tables, re.MULTILINE))
+        self.assertEqual(lines.count("same = 41359  (good)"), 1)
+
     def test_json_lines(self):
         word = 'name = "{}"\nstation = {}\nkind = "holding word"\naddress = {}\naccess = "read-write"\n'
         page = JsonPage()

@@ -80,7 +80,10 @@ PollCommand::PollCommand(CLI::App &program)
     m_options.add_flag("--fail-fast", m_isFailFast,
                        "end if a port is missing at the start; otherwise it is waited for");
     CLI::Option *const json = m_options.add_flag("--json", m_isJson, "print JSON lines");
-    m_options.add_flag("--lines", m_isLines, "print lines of text, also on a terminal")
+    m_options
+        .add_flag("--lines", m_isLines,
+                  "print lines of text, also on a terminal: values whose state changes, changed "
+                  "values at most once per second, and events")
         ->excludes(json);
     m_options
         .add_option(
@@ -125,10 +128,10 @@ std::vector<Link> PollCommand::readFile() const
     return links;
 }
 
-// Trace lines would break the table. The view is refreshed in intervals: a heartbeat that may be one
-// interval early is never late.
+// Trace lines would break the table.
 std::unique_ptr<PollView> PollCommand::makeView() const
 {
+    // A heartbeat that may be one refresh early is never late.
     if (m_isJson)
         return std::make_unique<JsonView>(milliseconds(millisecondsIn(m_heartbeat) - REFRESH));
     if (m_isLines || m_talk.isTraced() || ::isatty(STDOUT_FILENO) == 0)

@@ -17,15 +17,21 @@ const std::chrono::seconds SHORTEST_INTERVAL(1); // between two values of one va
 
 void LinesView::show(const Snapshot &snapshot)
 {
+    showChanges(snapshot, SHORTEST_INTERVAL);
+}
+
+void LinesView::showChanges(const Snapshot &snapshot, std::chrono::seconds shortestInterval)
+{
+    const Clock::time_point now = Clock::now();
     for (const ValueRow &row : snapshot.values) {
         if (!isTried(row))
             continue;
         Shown &shown = m_shown[row.variable.name];
         const std::string state = stateText(row.state);
-        const bool isDue = shown.text != row.text && Clock::now() - shown.time >= SHORTEST_INTERVAL;
+        const bool isDue = shown.text != row.text && now - shown.time >= shortestInterval;
         if (shown.state == state && !isDue)
             continue;
-        shown = {row.text, state, Clock::now()};
+        shown = {row.text, state, now};
         std::printf("%s  %s = %s  (%s)\n", timeText().c_str(), row.variable.name.c_str(),
                     row.text.c_str(), state.c_str());
     }
@@ -45,7 +51,7 @@ void LinesView::note(const std::string &text)
 
 void LinesView::finish(const Snapshot &snapshot)
 {
-    show(snapshot); // the changes since the last call
+    showChanges(snapshot, std::chrono::seconds(0)); // the last line of a value is its last value
     std::printf("\n");
     for (const std::string &line : summaryOf(snapshot))
         std::printf("%s\n", line.c_str());

@@ -1,5 +1,6 @@
 // Prints a line when the state of a value changes and, at most once per second, when the value
-// changes. Prints a summary at the end.
+// changes. A change that came too early is printed when the second is over, with the newest value.
+// Prints the rest of the changes and a summary at the end.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -27,6 +28,8 @@ private:
         std::string state;
         std::chrono::steady_clock::time_point time;
     };
+
+    void showChanges(const Snapshot &snapshot, std::chrono::seconds shortestInterval);
 
     std::map<std::string, Shown> m_shown; // by name
 };
