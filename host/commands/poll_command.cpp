@@ -66,6 +66,9 @@ PollCommand::PollCommand(CLI::App &program)
     : Command(program, "poll", "Poll the variables of a file and show them"),
       m_talk(m_options)
 {
+    m_options.get_option("--pcap")->description("write each frame to a capture file for tshark, "
+                                                "link type 147; with several links, one file "
+                                                "per link: -NAME is inserted before the extension");
     m_options.add_option("file", m_file, "file of links and variables")->required();
     m_options.add_option("--device", m_device,
                          "serial port that replaces the one in the file; for a file with one link");

@@ -27,10 +27,8 @@ TapOptions::TapOptions(CLI::App &options)
                      "print each frame in hexadecimal on standard error: -> sent, <- received, xx "
                      "dropped, == result");
     options
-        .add_option(
-            "--pcap", m_captureFile,
-            "write each frame to a capture file for tshark, link type 147; with several links, "
-            "one file per link: FILE with -NAME before its extension")
+        .add_option("--pcap", m_captureFile,
+                    "write each frame to a capture file for tshark, link type 147")
         ->type_name("FILE");
 }
 
