@@ -258,8 +258,9 @@ class PanelhostTest(unittest.TestCase):
 
     def test_lines(self):
         with Simulator("--station", "1") as plc:
-            path = self.file(self.link(plc.device, 'name = "tenths"\nkind = "input word"\naddress = 0',
-                                       'name = "same"\nkind = "input word"\naddress = 13').replace("timeout = 100", "timeout = 5000"))
+            content = self.link(plc.device, 'name = "tenths"\nkind = "input word"\naddress = 0',
+                                'name = "same"\nkind = "input word"\naddress = 13')
+            path = self.file(content.replace("timeout = 100", "timeout = 5000"))
             start = time.monotonic()
             result = run("poll", path, "--lines", "--seconds", "2.5")
             elapsed = time.monotonic() - start
