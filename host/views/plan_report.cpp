@@ -95,10 +95,11 @@ std::vector<std::string> planReport(const Link &link, const std::vector<PlannedR
 std::vector<std::string> planJson(const Link &link, const std::vector<PlannedRequest> &plan)
 {
     std::vector<std::string> lines;
+    const WantedRegisters wanted(link);
     microseconds total{};
     int bytes = 0;
     for (const PlannedRequest &request : plan) {
-        const RequestCost cost = costOf(request, link);
+        const RequestCost cost = costOf(request, wanted, link.line);
         lines.push_back(jsonLine("request", requestObject(request, cost, link)));
         total += timeInCycle(cost, link);
         bytes += cost.bytes;
