@@ -1,5 +1,7 @@
 #include "host/commands/console.h"
 
+#include "host/core/text/assignment.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
@@ -20,15 +22,6 @@ namespace
 {
 
 const size_t LONGEST_LINE = 10000;
-
-std::string trimmed(const std::string &text)
-{
-    const char *const blanks = " \t\r";
-    const size_t begin = text.find_first_not_of(blanks);
-    if (begin == std::string::npos)
-        return std::string();
-    return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
 
 } // namespace
 

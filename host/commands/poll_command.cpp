@@ -6,6 +6,7 @@
 #include "host/core/line/line_times.h"
 #include "host/core/links/link_file.h"
 #include "host/core/sizes/limits.h"
+#include "host/core/text/assignment.h"
 #include "host/core/text/numbers.h"
 #include "host/views/json_view.h"
 #include "host/views/lines_view.h"
@@ -197,13 +198,12 @@ void PollCommand::reload(PollSession &session, PollView &view) const
 
 void PollCommand::write(const std::string &assignment, PollSession &session, PollView &view)
 {
-    const size_t sign = assignment.find('=');
-    const std::string name = assignment.substr(0, sign);
+    const std::optional<Assignment> order = parseAssignment(assignment);
     std::string refusal;
-    if (sign == std::string::npos)
+    if (!order)
         refusal = "\"" + assignment + "\" is not NAME=VALUE";
-    else if (!session.write(name, assignment.substr(sign + 1)))
-        refusal = "there is no variable \"" + name + "\"";
+    else if (!session.write(order->name, order->value))
+        refusal = "there is no variable \"" + order->name + "\"";
     if (refusal.empty())
         return;
     view.note(assignment + ": refused: " + refusal);

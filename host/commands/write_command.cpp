@@ -3,6 +3,7 @@
 #include "host/commands/exit_status.h"
 #include "host/commands/help_texts.h"
 #include "host/core/sizes/units.h"
+#include "host/core/text/assignment.h"
 #include "host/core/variables/formats.h"
 #include "host/core/variables/kinds.h"
 
@@ -41,13 +42,19 @@ WriteCommand::WriteCommand(CLI::App &program)
       m_talk(m_options)
 {
     m_options
-        .add_option("values", m_values,
-                    "VARIABLE=VALUE, see below; with -t or -r only values, negative ones after --")
+        .add_option(
+            "values", m_values,
+            "VARIABLE=VALUE, see below, in quotes if it contains spaces; with -t or -r only "
+            "values, negative ones after --")
         ->required();
-    m_options.footer(variablesHelp()
-                     + "\nExamples:\n"
-                       "  panelhost write /dev/ttyUSB0 -a 3 7:100=250 1:3.5=1\n"
-                       "  panelhost write /dev/ttyUSB0 -a 3 -r 101 -t 4:float -B -- -12.5\n");
+    m_options.footer(
+        variablesHelp()
+        + "Only function 16 writes. A write of a bit or a byte reads the register with "
+          "function 3 and writes the whole\nregister back: what the PLC changes in "
+          "that register between the two is lost.\n"
+          "\nExamples:\n"
+          "  panelhost write /dev/ttyUSB0 -a 3 7:100=250 1:3.5=1\n"
+          "  panelhost write /dev/ttyUSB0 -a 3 -r 101 -t 4:float -B -- -12.5\n");
 }
 
 int WriteCommand::run()
@@ -98,12 +105,14 @@ std::vector<WriteCommand::Write> WriteCommand::writes() const
         return {{variable, text}};
     }
     for (const std::string &value : m_values) {
-        const size_t place = value.find('=');
-        if (place == std::string::npos)
+        const std::optional<Assignment> order = parseAssignment(value);
+        if (!order)
             throw std::invalid_argument(
-                "\"" + value + "\" is not VARIABLE=VALUE. Add -r for values without a variable.");
-        writes.push_back({parseVariable(value.substr(0, place), m_line.station(), Access::WRITE),
-                          value.substr(place + 1)});
+                "\"" + value
+                + "\" is not VARIABLE=VALUE. Add -r for values without a variable. Put quotes "
+                  "around a write that contains spaces.");
+        writes.push_back(
+            {parseVariable(order->name, m_line.station(), Access::WRITE), order->value});
     }
     return writes;
 }
