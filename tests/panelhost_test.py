@@ -203,6 +203,46 @@ class PanelhostTest(unittest.TestCase):
         self.assertEqual(slave.store.getValues(3, 5, 7), [0x5678, 0x1234, 1007, 1008, 1009, 1010 | 8, 0x09F3])
         self.assert_ends(run("read", *where, "7:500"), 6, "exception 2 (illegal data address)")
 
+    def test_read_of_several_stations(self):
+        with Simulator("--station", "3", "--station", "36", "--station", "37") as plc:
+            where = (plc.device, "-a", "37:36,9,3", "-P", "none", "-o", ".1")
+            theirs = subprocess.run(["mbpoll", "-m", "rtu", "-1", "-q", "-r", "5", "-c", "2", *where[1:],
+                                     plc.device], capture_output=True, text=True, timeout=LIMIT)
+            expected = []
+            for line in theirs.stdout.splitlines():
+                if "slave" in line:
+                    station = re.search(r"slave (\d+)", line)[1]
+                elif line:
+                    expected.append((station, *re.match(r"\[(\d+)\]: \t(\d+)", line).groups()))
+            self.assertEqual(len(expected), 6)
+            result = run("read", *where, "-r", "5", "-c", "2")
+            self.assert_ends(result, 5, "panelhost: station 9, holding word 4: no response")
+            self.assertEqual(re.findall(r"station (\d+): \[(\d+)\]: \t(\d+)", result.stdout), expected)
+            result = run("read", *where, "-r", "5", "-c", "2", "--json")
+            self.assertEqual(result.returncode, 5)
+            items = [json.loads(line) for line in result.stdout.splitlines()]
+            self.assertEqual([(str(item["station"]), item["name"], str(item["value"])) for item in items
+                              if item["state"] == "good"], expected)
+            silent = [item for item in items if item["station"] == 9]
+            self.assertEqual([(item["value"], item["state"]) for item in silent], [(None, "station offline")] * 2)
+            for item in items:
+                self.assertEqual(item["link"], plc.device)
+                self.assertRegex(item["time"], r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
+
+    def test_read_at_an_interval_until_a_signal(self):
+        capture = os.path.join(self.folder.name, "x.pcap")
+        with Simulator("--station", "1") as plc:
+            process = subprocess.Popen([*PANELHOST, "read", plc.device, "-a", "1,9", "-o", ".05", "-l", "20",
+                                        "7:2", "--pcap", capture], text=True, stdout=subprocess.PIPE,
+                                       stderr=subprocess.PIPE)
+            for _ in range(3):
+                self.assertEqual(process.stdout.readline(), "station 1: 7:2 = 38059\n")
+            process.send_signal(signal.SIGINT)
+            _, errors = process.communicate(timeout=LIMIT)
+            self.assertEqual(process.returncode, 5)
+            self.assertIn("station 9, holding word 2: no response", errors)
+            self.assertGreater(os.path.getsize(capture), 100)
+
     def test_exit_statuses(self):
         good = self.file(self.link("/dev/none", 'name = "v"\nkind = "input word"\naddress = 0'))
         bad = self.file("[[link]]\nnam = 1\n", "bad.toml")

@@ -1,22 +1,51 @@
 #include "host/commands/line_options.h"
 
 #include "host/commands/number_options.h"
+#include "host/commands/station_list.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/text/numbers.h"
 
 #include <cctype>
+#include <stdexcept>
 
 namespace velko
 {
+
+namespace
+{
+
+std::string checkStations(const std::string &text)
+{
+    try {
+        parseStations(text);
+        return std::string();
+    } catch (const std::invalid_argument &error) {
+        return error.what();
+    }
+}
+
+void checkMode(const std::string &mode)
+{
+    if (mode != "rtu")
+        throw std::invalid_argument(
+            "-m " + mode
+            + ": only Modbus RTU on a serial line is supported. Use -m rtu, or leave -m out, and "
+              "name a serial port.");
+}
+
+} // namespace
 
 LineOptions::LineOptions(CLI::App &options)
 {
     LineSettings &line = m_link.line;
     m_link.retries = 1; // a script must not wait long for a station that does not exist
     options.add_option("device", m_device, "serial port, for example /dev/ttyUSB0")->required();
-    options.add_option("-a,--station", m_station, "station address")
-        ->check(numberFrom(LOWEST_STATION, HIGHEST_STATION))
+    options.add_option("-a,--station", m_stations, "station address")
+        ->type_name("1..247")
+        ->check(CLI::Validator(checkStations, ""))
         ->capture_default_str();
+    options.add_option_function<std::string>("-m", checkMode, "mode: rtu, accepted as by mbpoll")
+        ->type_name("MODE");
     options.add_option("-b,--baud", line.baudRate, "baud rate")
         ->check(numberFrom(LOWEST_BAUD, HIGHEST_BAUD))
         ->capture_default_str();
@@ -47,7 +76,9 @@ LineOptions::LineOptions(CLI::App &options)
                     "shortest frame gap in microseconds; at least 3.5 characters are always kept")
         ->check(numberFrom(0, 1000 * LONGEST_SILENCE))
         ->capture_default_str();
-    options.add_option("--retries", m_link.retries, "retries before a request is given up")
+    options
+        .add_option("--retries", m_link.retries,
+                    "retries before a request is given up: one retry makes two tries")
         ->check(numberFrom(0, HIGHEST_RETRIES))
         ->capture_default_str();
     options
@@ -65,6 +96,20 @@ LineOptions::LineOptions(CLI::App &options)
         .add_flag("-R", m_isRtsAfterSend, "RS-485 direction by the kernel: RTS on after sending")
         ->excludes(onSend);
     options.add_flag("--echo", line.echo, "the adapter echoes each request: remove the echo");
+}
+
+std::vector<int> LineOptions::stations() const
+{
+    return parseStations(m_stations);
+}
+
+int LineOptions::station() const
+{
+    const std::vector<int> all = stations();
+    if (all.size() > 1)
+        throw std::invalid_argument("-a " + m_stations
+                                    + ": a write takes one station. Run it once for each one.");
+    return all.front();
 }
 
 Link LineOptions::link() const

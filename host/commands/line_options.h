@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include <string>
+#include <vector>
 
 namespace velko
 {
@@ -20,8 +21,10 @@ public:
     /// Returns a link without variables.
     Link link() const;
 
-    /// The value of -a.
-    int station() const { return m_station; }
+    /// The stations of -a, at least one.
+    std::vector<int> stations() const;
+    /// The station of -a. Throws std::invalid_argument if it is a list.
+    int station() const;
 
 private:
     std::string m_device;
@@ -30,7 +33,7 @@ private:
     std::string m_guard;
     bool m_isRtsOnSend = false;
     bool m_isRtsAfterSend = false;
-    int m_station = 1;
+    std::string m_stations = "1";
     Link m_link;
 };
 

@@ -69,8 +69,8 @@ Variable OneShotOptions::byReference(int station, int count, Access access) cons
     if (table == "0" || table == "1")
         throw std::invalid_argument(
             "-t " + m_type
-            + ": the driver reads coils and discrete inputs only "
-              "through registers. Name a bit, for example holding-bit:3.5.");
+            + ": coils and discrete inputs (functions 1, 2, 5 and 15) are not sent. If the PLC "
+              "maps them to registers, name a bit of a register, for example holding-bit:3.5.");
     if (table != "3" && table != "4")
         throw std::invalid_argument("-t " + m_type + ": the type must begin with 3 or 4");
     if (m_reference == 0 && !m_isFromZero)
@@ -95,15 +95,19 @@ OneShotLoop::OneShotLoop(const TalkOptions &talk, const Link &link)
     m_loop.open();
 }
 
-void OneShotLoop::readAll()
+// Both loops always end, because each request is given up after its retries.
+void OneShotLoop::readAll(const std::function<bool()> &isEnd)
 {
-    run(&OneShotLoop::isRead);
+    const std::int64_t before = m_loop.status().cycles();
+    while (m_loop.status().cycles() == before && !isEnd() && turn()) {
+    }
 }
 
 int OneShotLoop::write(const Variable &variable, const std::string &text)
 {
     m_loop.write({variable, text});
-    run(&OneShotLoop::isWritten);
+    while (m_loop.hasPendingWrites())
+        turn();
     if (m_lastWrite.state == Event::WRITE_DONE)
         return EXIT_GOOD;
     std::fprintf(stderr, "panelhost: %s = %s: %s: %s\n", variable.name.c_str(), text.c_str(),
@@ -111,14 +115,13 @@ int OneShotLoop::write(const Variable &variable, const std::string &text)
     return exitStatusOf(m_lastWrite);
 }
 
-// The loop always ends, because each request is given up after its retries.
-void OneShotLoop::run(bool (OneShotLoop::*isDone)() const)
+// False if there is no request: all stations are offline.
+bool OneShotLoop::turn()
 {
-    while (!(this->*isDone)()) {
-        m_loop.turn();
-        if (!m_loop.isOpen())
-            throw PortError(m_portError);
-    }
+    const bool hasRequest = m_loop.turn();
+    if (!m_loop.isOpen())
+        throw PortError(m_portError);
+    return hasRequest;
 }
 
 void OneShotLoop::receive(const Event &event)

@@ -7,6 +7,7 @@
 #include "host/core/loop/communication_loop.h"
 #include "host/core/variables/variable.h"
 
+#include <functional>
 #include <string>
 
 namespace velko
@@ -45,9 +46,10 @@ public:
     /// not exist. Throws std::runtime_error.
     OneShotLoop(const TalkOptions &talk, const Link &link);
 
-    /// Reads all variables of the link. Returns when each request has succeeded or is given up.
+    /// Reads all variables of the link. Returns when each request has succeeded or is given up,
+    /// without those to offline stations, or after the exchange in progress once `isEnd` is true.
     /// Throws PortError.
-    void readAll();
+    void readAll(const std::function<bool()> &isEnd);
 
     /// Writes a variable. Prints the reason on standard error if the write fails. Returns an
     /// ExitStatus. Throws PortError.
@@ -58,9 +60,7 @@ public:
     void receive(const Event &event) override;
 
 private:
-    void run(bool (OneShotLoop::*isDone)() const);
-    bool isRead() const { return m_loop.status().cycles() > 0; }
-    bool isWritten() const { return !m_loop.hasPendingWrites(); }
+    bool turn();
 
     Event m_lastWrite;
     std::string m_portError;

@@ -1,12 +1,12 @@
-// Reads variables once and prints them.
+// Reads variables and prints them.
 #pragma once
 
 #include "host/commands/command.h"
 #include "host/commands/line_options.h"
 #include "host/commands/one_shot.h"
 #include "host/commands/talk_options.h"
-#include "host/core/loop/communication_loop.h"
-#include "host/core/variables/variable.h"
+#include "host/core/links/link.h"
+#include "host/core/session/snapshot.h"
 
 #include <string>
 #include <vector>
@@ -22,13 +22,23 @@ public:
     int run() override;
 
 private:
-    int print(const CommunicationLoop &loop, const Variable &variable) const;
-    void printByReference(const std::string &text, const Variable &variable) const;
+    Link link() const;
+    bool isRepeated() const;
+    int repeat(OneShotLoop &once, const Link &link) const;
+    /// Prints what was read. Returns the worst ExitStatus.
+    int print(const OneShotLoop &once, const Link &link) const;
+    void printText(const ValueRow &row) const;
+    void printJson(const ValueRow &row) const;
+    /// Returns a row for each value that mbpoll would print on a line of its own.
+    std::vector<ValueRow> rowsOf(const ValueRow &row) const;
 
     LineOptions m_line;
     OneShotOptions m_what;
     TalkOptions m_talk;
     int m_count = 1;
+    int m_interval = 0; // milliseconds
+    bool m_isOnce = false;
+    bool m_isJson = false;
     std::vector<std::string> m_names;
 };
 

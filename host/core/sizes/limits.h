@@ -41,6 +41,8 @@ const int LONGEST_SILENCE = 1000; // of the frame gap
 const int LONGEST_STALE_AFTER = 24 * 60 * 60 * 1000;
 const int SHORTEST_HEARTBEAT = 100;
 const int LONGEST_HEARTBEAT = 24 * 60 * 60 * 1000;
+const int SHORTEST_INTERVAL = 10; // between two reads of one variable
+const int LONGEST_INTERVAL = 24 * 60 * 60 * 1000;
 const int SHORTEST_RUN = 100;
 const int LONGEST_RUN = 999999999; // 9 digits of milliseconds, more than eleven days
 

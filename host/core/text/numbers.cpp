@@ -53,11 +53,13 @@ int millisecondsIn(const std::string &text)
 {
     const size_t point = std::min(text.find('.'), text.size());
     const std::string whole = text.substr(0, point);
-    const std::string fraction = point < text.size() ? text.substr(point + 1) : "0";
-    if (!isDigits(whole) || !isDigits(fraction) || fraction.size() > 3)
+    const bool isWhole = point == text.size();
+    const std::string fraction = isWhole ? "0" : text.substr(point + 1);
+    const bool isLeadingPoint = whole.empty() && !isWhole; // ".5", as other programs accept it
+    if ((!isDigits(whole) && !isLeadingPoint) || !isDigits(fraction) || fraction.size() > 3)
         throw std::invalid_argument("\"" + text
-                                    + "\" is not a number of seconds, for example 5 or 2.5");
-    return parseNumber(whole, 0, LONGEST_RUN / 1000, "seconds") * 1000
+                                    + "\" is not a number of seconds, for example 5, 2.5 or .5");
+    return parseNumber(isLeadingPoint ? "0" : whole, 0, LONGEST_RUN / 1000, "seconds") * 1000
            + std::stoi((fraction + "00").substr(0, 3));
 }
 
