@@ -12,16 +12,16 @@ using Duration = Clock::duration;
 using Seconds = std::chrono::duration<double>;
 
 const std::chrono::seconds MINUTE(60);
-const Seconds BUDGET = MINUTE * 0.05;        // of probes, in each minute
-const Seconds SMALLEST_REST = BUDGET * 0.05; // for full probes
+const Seconds BUDGET = MINUTE * 0.05; // of probes, in each minute
 
 // Of the line's time for short probes. The rest of the budget is for full ones. The lower share
 // leaves time for one full probe of 500 ms in each minute.
 const double HIGH_SHARE = 0.045;
 const double LOW_SHARE = 0.0405;
 
-// In which each station gets a short probe. Ten stations need the low share for that at 19,200 baud.
+// In a round each station gets a short probe. At 19,200 baud, the low share is enough for ten.
 const Seconds ROUND(14.2);
+const int STATIONS_IN_ROUND = 10;
 
 const milliseconds SHORTEST_TIMEOUT(50);
 const int SLOWNESS = 3;          // times the slowest response
@@ -53,7 +53,7 @@ Duration toDuration(Seconds seconds)
 
 void ProbeSchedule::set(int station, const Times &times)
 {
-    m_stations.insert({station, {times, probePauses(), {}, {}, 0}}).first->second.times = times;
+    m_stations.insert({station, {times, probePauses(), {}, {}, {}, 0}}).first->second.times = times;
 }
 
 void ProbeSchedule::restart()
@@ -66,40 +66,56 @@ void ProbeSchedule::restart()
 
 std::optional<Probe> ProbeSchedule::due(bool isAnyOnline, Clock::time_point now) const
 {
-    std::optional<Probe> best;
-    Clock::time_point earliest = {};
-    for (const auto &[number, station] : m_stations) {
-        const std::optional<Probe> probe =
-            isAnyOnline ? affordable(number, station, now) : urgent(number, station, now);
-        if (!probe || (best && station.last >= earliest))
-            continue;
-        best = probe;
-        earliest = station.last;
-    }
-    return best;
+    if (!isAnyOnline)
+        return now < nextUrgent() ? std::nullopt : urgent();
+    const std::optional<Probe> full = dueFull(now);
+    return full ? full : dueShort(now);
 }
 
 // While no station is online, probes take nobody's time.
-std::optional<Probe> ProbeSchedule::urgent(int number, const Station &station,
-                                           Clock::time_point now) const
+std::optional<Probe> ProbeSchedule::urgent() const
 {
-    if (now < m_lastBegin + INTERVAL_WHILE_NONE_IS_ONLINE)
+    const auto place = earliest(&Station::last, [](const Station &) { return true; });
+    if (place == m_stations.end())
         return std::nullopt;
-    return wantsFull(station) ? fullProbe(number, station) : shortProbe(number, station);
+    return wantsFull(place->second) ? fullProbe(*place) : shortProbe(*place);
 }
 
-std::optional<Probe> ProbeSchedule::affordable(int number, const Station &station,
-                                               Clock::time_point now) const
+std::optional<Probe> ProbeSchedule::dueFull(Clock::time_point now) const
 {
-    if (now < station.due)
+    if (now < m_nextFull)
         return std::nullopt;
-    const Probe full = fullProbe(number, station);
-    if (wantsFull(station) && now >= m_nextFull && fits(full, now))
-        return full;
-    if (!station.times.slowest || now < m_nextShort || isFullOverdue(now))
+    const auto place = earliest(&Station::lastFull, [now](const Station &station) {
+        return now >= station.due && wantsFull(station);
+    });
+    if (place == m_stations.end() || !fits(fullProbe(*place), now))
         return std::nullopt;
-    const Probe probe = shortProbe(number, station);
-    return fits(probe, now) ? std::optional<Probe>(probe) : std::nullopt;
+    return fullProbe(*place);
+}
+
+std::optional<Probe> ProbeSchedule::dueShort(Clock::time_point now) const
+{
+    if (now < m_nextShort || isFullOverdue(now))
+        return std::nullopt;
+    const auto place = earliest(&Station::last, [now](const Station &station) {
+        return now >= station.due && station.times.slowest;
+    });
+    if (place == m_stations.end() || !fits(shortProbe(*place), now))
+        return std::nullopt;
+    return shortProbe(*place);
+}
+
+template <typename Condition>
+ProbeSchedule::Stations::const_iterator ProbeSchedule::earliest(Clock::time_point Station::*time,
+                                                                const Condition &isMeant) const
+{
+    auto best = m_stations.end();
+    for (auto place = m_stations.begin(); place != m_stations.end(); ++place) {
+        const bool isEarlier = best == m_stations.end() || place->second.*time < best->second.*time;
+        if (isMeant(place->second) && isEarlier)
+            best = place;
+    }
+    return best;
 }
 
 Clock::time_point ProbeSchedule::nextUrgent() const
@@ -117,9 +133,7 @@ void ProbeSchedule::ended(const Probe &probe, Clock::time_point begin, Clock::ti
     if (probe.isFull)
         m_nextFull = end + toDuration(cost * (Seconds(MINUTE) / restForFullProbes()));
     else
-        m_nextShort = begin
-                      + toDuration(std::clamp(ROUND / std::max(answeredStations(), 1),
-                                              cost / HIGH_SHARE, cost / LOW_SHARE));
+        m_nextShort = begin + toDuration(shortInterval(cost));
     const auto place = m_stations.find(probe.station);
     if (place == m_stations.end())
         return;
@@ -127,6 +141,8 @@ void ProbeSchedule::ended(const Probe &probe, Clock::time_point begin, Clock::ti
     station.last = end;
     station.due = end + station.pause.next();
     station.probes = probe.isFull ? 0 : station.probes + 1;
+    if (probe.isFull)
+        station.lastFull = end;
 }
 
 int ProbeSchedule::answeredStations() const
@@ -136,12 +152,21 @@ int ProbeSchedule::answeredStations() const
                       [](const auto &place) { return place.second.times.slowest.has_value(); }));
 }
 
+// Only as many stations as can be probed in each round get the time of full probes.
+ProbeSchedule::Seconds ProbeSchedule::shortInterval(Seconds cost) const
+{
+    const int stations = std::max(answeredStations(), 1);
+    if (stations > STATIONS_IN_ROUND)
+        return cost / LOW_SHARE;
+    return std::clamp(ROUND / stations, cost / HIGH_SHARE, cost / LOW_SHARE);
+}
+
 // Of each minute.
 ProbeSchedule::Seconds ProbeSchedule::restForFullProbes() const
 {
     const Seconds shortProbe = SHORTEST_TIMEOUT + OVERHEAD;
     const Seconds shortProbes = answeredStations() * shortProbe * (Seconds(MINUTE) / ROUND);
-    return std::max(BUDGET - shortProbes, SMALLEST_REST);
+    return BUDGET - std::min<Seconds>(shortProbes, MINUTE * LOW_SHARE);
 }
 
 bool ProbeSchedule::wantsFull(const Station &station)
@@ -149,14 +174,14 @@ bool ProbeSchedule::wantsFull(const Station &station)
     return !station.times.slowest || station.probes >= FULL_EACH - 1;
 }
 
-Probe ProbeSchedule::fullProbe(int number, const Station &station)
+Probe ProbeSchedule::fullProbe(const Stations::value_type &place)
 {
-    return {number, true, station.times.timeout};
+    return {place.first, true, place.second.times.timeout};
 }
 
-Probe ProbeSchedule::shortProbe(int number, const Station &station)
+Probe ProbeSchedule::shortProbe(const Stations::value_type &place)
 {
-    return {number, false, shortTimeout(station.times)};
+    return {place.first, false, shortTimeout(place.second.times)};
 }
 
 // A probe that takes longer than all of a minute's time for probes is the only one in its minute.

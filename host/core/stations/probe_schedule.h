@@ -50,7 +50,8 @@ private:
     struct Station {
         Times times;
         GrowingPause pause;
-        Clock::time_point last; // end of its latest probe
+        Clock::time_point last;     // end of its latest probe
+        Clock::time_point lastFull; // end of its latest full probe
         Clock::time_point due;
         int probes = 0; // since the latest full one
     };
@@ -59,18 +60,24 @@ private:
         Clock::duration cost;
     };
 
+    using Stations = std::map<int, Station>; // by number
+
     static bool wantsFull(const Station &station);
-    static Probe fullProbe(int number, const Station &station);
-    static Probe shortProbe(int number, const Station &station);
-    std::optional<Probe> urgent(int number, const Station &station, Clock::time_point now) const;
-    std::optional<Probe> affordable(int number, const Station &station,
-                                    Clock::time_point now) const;
+    static Probe fullProbe(const Stations::value_type &place);
+    static Probe shortProbe(const Stations::value_type &place);
+    std::optional<Probe> urgent() const;
+    std::optional<Probe> dueFull(Clock::time_point now) const;
+    std::optional<Probe> dueShort(Clock::time_point now) const;
+    template <typename Condition>
+    Stations::const_iterator earliest(Clock::time_point Station::*time,
+                                      const Condition &isMeant) const;
     int answeredStations() const;
+    Seconds shortInterval(Seconds cost) const;
     Seconds restForFullProbes() const;
     bool fits(const Probe &probe, Clock::time_point now) const;
     bool isFullOverdue(Clock::time_point now) const;
 
-    std::map<int, Station> m_stations;
+    Stations m_stations;
     std::deque<Spent> m_spent; // in the last minute, oldest first
     Clock::time_point m_lastBegin;
     Clock::time_point m_nextShort;
