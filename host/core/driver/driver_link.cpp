@@ -41,10 +41,21 @@ bool DriverLink::queueWrite(const Variable &variable, const QByteArray &value, i
                             int ownerTag)
 {
     m_info.maxRegs = maxRegs;
+    return set(variable, value, ownerTag) > 0;
+}
+
+void DriverLink::show(const Variable &variable, const QByteArray &value)
+{
+    m_info.commMode = COMM_STORE_ONLY;
+    set(variable, value, 0);
+    m_info.commMode = COMM_DEVICE;
+}
+
+int DriverLink::set(const Variable &variable, const QByteArray &value, int ownerTag) const
+{
     return m_driver->SetRegisterData(QString::fromStdString(variable.name), variable.kind,
                                      QString::fromStdString(variable.address), variable.station,
-                                     &value, lengthOf(variable), 0, ownerTag)
-           > 0;
+                                     &value, lengthOf(variable), 0, ownerTag);
 }
 
 int DriverLink::queuedWrites() const

@@ -51,6 +51,10 @@ public:
     /// SetRegisterData. False if it is not queued.
     bool queueWrite(const Variable &variable, const QByteArray &value, int maxRegs, int ownerTag);
 
+    /// Puts a value that the PLC has acknowledged into the store. The driver does so while it builds
+    /// the frame, but not after a failed exchange.
+    void show(const Variable &variable, const QByteArray &value);
+
     /// Number of pieces of writes in the driver's queue.
     int queuedWrites() const;
 
@@ -58,6 +62,8 @@ public:
     QByteArray value(const Variable &variable) const;
 
 private:
+    int set(const Variable &variable, const QByteArray &value, int ownerTag) const;
+
     const std::unique_ptr<DriverLibrary> m_driver;
     ComInfo m_info;
     const Link *m_link = nullptr;

@@ -260,9 +260,11 @@ void CommunicationLoop::noteWrites()
     const Verdict notWritten(Verdict::NOT_SENT, "a write failed, and it was not read since");
     for (const EndedWrite &write : m_writes.takeEnded()) {
         const Variable &variable = write.variable;
-        // The store shows the value of the write, even if it failed. For a variable that is read,
+        // The store may show the value of the write even if it failed. For a variable that is read,
         // the next read decides.
         const bool isDone = write.result == Event::WRITE_DONE;
+        if (isDone)
+            m_driver.show(variable, write.value);
         if (write.result == Event::WRITE_FAILED || (isDone && !variable.isRead()))
             m_status.readEnded(variable.station, registersOf(variable),
                                isDone ? written : notWritten);

@@ -185,7 +185,7 @@ void WriteQueue::end(const Pending &write, Event::State state, const Verdict &ve
     const bool isDone = state == Event::WRITE_DONE;
     const Verdict::Kind cause = state == Event::WRITE_FAILED ? verdict.kind : Verdict::GOOD;
     m_reporter.report(eventOf(write.order, state, isDone ? std::string() : verdict.text, cause));
-    m_ended.push_back({write.order.variable, state});
+    m_ended.push_back({write.order.variable, write.value, state});
 }
 
 } // namespace velko

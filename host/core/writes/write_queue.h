@@ -32,6 +32,7 @@ struct WriteOrder {
 /// A write whose result is known.
 struct EndedWrite {
     Variable variable;
+    QByteArray value;    ///< bytes as for SetRegisterData
     Event::State result; ///< WRITE_DONE, WRITE_FAILED or WRITE_SUPERSEDED
 };
 
