@@ -5,6 +5,7 @@
 VELKO_LAUNCHER in the environment is a command that starts PANELHOST, such as an emulator.
 """
 import datetime
+import fcntl
 import json
 import os
 import pty
@@ -16,6 +17,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import threading
 import time
 import tty
@@ -140,6 +142,50 @@ class PymodbusSlave:
         while True:
             for end in select.select([one, other], [], [])[0]:
                 os.write(other if end == one else one, os.read(end, 512))
+
+
+class TerminalSession:
+    """A program on a terminal of its own, in the foreground of its session."""
+
+    def __init__(self, *arguments, columns=60, rows=20):
+        self.shown = ""
+        self.process_id, self.terminal = pty.fork()
+        if self.process_id == 0:
+            os.execvp(arguments[0], arguments)
+        fcntl.ioctl(self.terminal, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
+
+    def type(self, keys):
+        self.shown = ""
+        os.write(self.terminal, keys.encode())
+
+    def wait(self, text):
+        """Waits until the program has shown the text after the latest keys."""
+        def is_there():
+            if select.select([self.terminal], [], [], 0)[0]:
+                try:
+                    self.shown += os.read(self.terminal, 65536).decode("utf-8", "replace")
+                except OSError:  # the program has ended
+                    pass
+            return text in self.shown
+        wait_for(is_there, f"{text!r} on the terminal")
+
+    def takes_lines(self):
+        return bool(termios.tcgetattr(self.terminal)[3] & termios.ICANON)
+
+    def end(self):
+        """Returns how the program has ended. Reads its output meanwhile, which could block it."""
+        end = time.monotonic() + LIMIT
+        while time.monotonic() < end:
+            if select.select([self.terminal], [], [], 0.02)[0]:
+                try:
+                    self.shown += os.read(self.terminal, 65536).decode("utf-8", "replace")
+                except OSError:
+                    pass
+            done, status = os.waitpid(self.process_id, os.WNOHANG)
+            if done:
+                os.close(self.terminal)
+                return status
+        raise AssertionError("the program does not end")
 
 
 class PanelhostTest(unittest.TestCase):
@@ -358,6 +404,62 @@ class PanelhostTest(unittest.TestCase):
         self.assertEqual((request["lineMs"], cycle["cycleMs"]), (154.687, 162.709))
         self.assertEqual([request["gaps"][0][key] for key in ("register", "count", "maxRegs")], [11, 59, 58])
         self.assertEqual(page.unseen, set())
+    def test_table_on_a_terminal(self):
+        names = [f"conveyor.section.{i:02}.temperature" for i in range(40)]
+        word = 'name = "{}"\nkind = "holding word"\naddress = {}\naccess = "read-write"'
+        alternate, main = "\x1b[?1049h", "\x1b[?1049l"
+        with Simulator("--station", "1") as plc:
+            path = self.file(self.link(plc.device, *(word.format(name, i) for i, name in enumerate(names))))
+            table = TerminalSession(*PANELHOST, "poll", path)
+            table.wait("values 1 to ")
+            self.assertIn(alternate, table.shown)
+            self.assertFalse(table.takes_lines())
+            table.type("\x1b[F")
+            table.wait("to 40 of 40")
+            table.type("/.17.")
+            table.wait("holding word 17")
+            table.type(f"\r{names[17]} = 9x\x7f9\r")
+            table.wait("= 99: done")
+            table.type("\x1b")
+            table.wait("values 1 to ")
+            # Nobody would continue this session, so Ctrl-Z does not stop it.
+            table.type("\x1a")
+            table.wait(alternate)
+            self.assertIn(main, table.shown)
+            self.assertFalse(table.takes_lines())
+            table.type("\x03")
+            table.wait("values are good")
+            self.assertIn(main, table.shown)
+            self.assertTrue(table.takes_lines())
+            self.assertEqual(table.end(), 0)
+            for number in (signal.SIGTERM, signal.SIGABRT):
+                table = TerminalSession(*PANELHOST, "poll", path)
+                table.wait("values 1 to ")
+                os.kill(table.process_id, number)
+                table.wait(main)
+                wait_for(table.takes_lines, "the mode of the terminal")
+                self.assertEqual(os.WTERMSIG(table.end()), number if number == signal.SIGABRT else 0)
+
+    def test_a_shell_stops_and_continues_the_table(self):
+        with Simulator("--station", "1") as plc:
+            path = self.file(self.link(plc.device, 'name = "v"\nkind = "holding word"\naddress = 0'))
+            shell = TerminalSession("bash", "--norc", "--noediting", "-i")
+            shell.type(shlex.join([*PANELHOST, "poll", path]) + "\n")
+            for typed in ("> abc", "> abcabc"):
+                shell.wait("good")
+                wait_for(lambda: not shell.takes_lines(), "the mode of the table")
+                shell.type("abc")
+                shell.wait(typed)
+                shell.type("\x1a")
+                shell.wait("Stopped")
+                self.assertIn("\x1b[?1049l", shell.shown)
+                wait_for(shell.takes_lines, "the mode of the shell")
+                shell.type("fg\n")
+            shell.wait("> abcabc")
+            shell.type("\x03")
+            shell.wait("1 of 1 values are good")
+            shell.type("exit\n")
+            shell.end()
 
     def test_two_links(self):
         with Simulator("--station", "1") as one, Simulator("--station", "2") as two:

@@ -32,7 +32,10 @@ const char *const FOOTER =
     R"(Ends after --cycles or --seconds, whichever comes first, or at Ctrl-C. While it runs, a line
 NAME=VALUE on standard input queues a write, and SIGHUP reads the file again: queued writes and stored
 values are kept. The result of each write is reported: done, failed, superseded by a newer write of
-the same variable, or refused.)";
+the same variable, or refused.
+Keys of the table on a terminal: arrows, Page Up, Page Down, Home and End scroll; / filters by name,
+address or state, Esc clears the filter; Ctrl-U clears the line; Ctrl-Z stops the program between two
+exchanges; Ctrl-D on an empty line ends it.)";
 
 std::vector<std::string> namesOf(const std::vector<Link> &links)
 {
@@ -145,7 +148,8 @@ std::unique_ptr<PollView> PollCommand::makeView() const
 
 void PollCommand::loop(PollSession &session, PollView &view)
 {
-    Console console; // before the threads of the links, which must not receive its signals
+    // Before the threads of the links, which must not receive its signals.
+    Console console(Console::STOPS_WAIT);
     session.start(m_isFailFast ? MissingPort::FAIL : MissingPort::WAIT);
     for (const std::string &assignment : m_assignments)
         write(assignment, session, view);
@@ -154,13 +158,10 @@ void PollCommand::loop(PollSession &session, PollView &view)
                                       : Clock::now() + milliseconds(millisecondsIn(m_seconds));
     while (Clock::now() < end && !isOver(session)) {
         const Console::Input input =
-            console.wait(std::min(REFRESH, m_seconds.empty() ? REFRESH : millisecondsUntil(end)));
-        if (input.isEnd)
+            console.wait(std::min(REFRESH, m_seconds.empty() ? REFRESH : millisecondsUntil(end)),
+                         view.takesKeys());
+        if (!handle(input, session, view))
             return;
-        if (input.isReload)
-            reload(session, view);
-        for (const std::string &line : input.lines)
-            write(line, session, view);
         passEvents(session, view);
         view.show(session.snapshot());
     }
@@ -176,6 +177,34 @@ void PollCommand::end(PollSession &session)
     for (const std::string &text : session.awaited())
         std::fprintf(stderr, "panelhost: link %s; press Ctrl-C to end at once\n", text.c_str());
     session.stop();
+}
+
+// False if the input ends the program.
+bool PollCommand::handle(const Console::Input &input, PollSession &session, PollView &view)
+{
+    const PollView::Typed typed = view.type(input.keys);
+    if (input.isEnd || typed.isEnd)
+        return false;
+    if (input.isStop)
+        stopProcess(session, view);
+    if (input.isContinued)
+        view.resume();
+    if (input.isReload)
+        reload(session, view);
+    for (const std::vector<std::string> &lines : {input.lines, typed.lines})
+        for (const std::string &line : lines)
+            write(line, session, view);
+    return true;
+}
+
+// The time until the process is continued must not count as a response time.
+void PollCommand::stopProcess(PollSession &session, PollView &view)
+{
+    session.pause();
+    view.suspend();
+    Console::stop();
+    view.resume();
+    session.resume();
 }
 
 bool PollCommand::isOver(const PollSession &session) const

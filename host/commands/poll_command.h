@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/commands/command.h"
+#include "host/commands/console.h"
 #include "host/commands/talk_options.h"
 #include "host/core/links/link.h"
 #include "host/core/session/poll_session.h"
@@ -26,6 +27,8 @@ private:
     std::unique_ptr<PollView> makeView() const;
     void loop(PollSession &session, PollView &view);
     static void end(PollSession &session);
+    bool handle(const Console::Input &input, PollSession &session, PollView &view);
+    static void stopProcess(PollSession &session, PollView &view);
     bool isOver(const PollSession &session) const;
     void reload(PollSession &session, PollView &view) const;
     void write(const std::string &assignment, PollSession &session, PollView &view);

@@ -1,6 +1,6 @@
 #include "host/views/text_table.h"
 
-#include <QString>
+#include "host/views/screen_text.h"
 
 #include <algorithm>
 #include <numeric>
@@ -20,33 +20,11 @@ std::vector<std::string> TextTable::lines(size_t width) const
     for (const Row &row : m_rows) {
         std::string line;
         for (size_t i = 0; i < widths.size(); ++i)
-            line += row[i] + std::string(widths[i] - widthOf(row[i]) + gap, ' ');
+            line += padded(row[i], widths[i] + gap);
         line.erase(line.find_last_not_of(' ') + 1);
         lines.push_back(line);
     }
     return lines;
-}
-
-size_t widthOf(const std::string &text)
-{
-    return static_cast<size_t>(QString::fromStdString(text).size());
-}
-
-std::string leftOf(const std::string &text, size_t width)
-{
-    if (widthOf(text) <= width)
-        return text;
-    return QString::fromStdString(text).left(static_cast<int>(width) - 1).toStdString() + "~";
-}
-
-std::vector<std::string> wrapped(const std::string &text, size_t width)
-{
-    const QString whole = QString::fromStdString(text);
-    const int step = static_cast<int>(std::max<size_t>(width, 1));
-    std::vector<std::string> pieces;
-    for (int begin = 0; begin < whole.size(); begin += step)
-        pieces.push_back(whole.mid(begin, step).toStdString());
-    return pieces;
 }
 
 } // namespace velko

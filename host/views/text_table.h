@@ -27,13 +27,4 @@ private:
     std::vector<Row> m_rows;
 };
 
-/// Returns the approximate number of columns of a UTF-8 text on a terminal.
-size_t widthOf(const std::string &text);
-
-/// Returns at most `width` characters of the text. If it is longer, the last one is "~".
-std::string leftOf(const std::string &text, size_t width);
-
-/// Splits the text into pieces of at most `width` characters.
-std::vector<std::string> wrapped(const std::string &text, size_t width);
-
 } // namespace velko

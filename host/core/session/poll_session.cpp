@@ -63,8 +63,9 @@ std::vector<std::string> PollSession::awaited() const
 
 void PollSession::pause()
 {
-    for (const auto &link : m_links)
-        link->pause(LONGEST_PAUSE);
+    for (const milliseconds limit : {milliseconds(0), LONGEST_PAUSE}) // all at the same time
+        for (const auto &link : m_links)
+            link->pause(limit);
 }
 
 void PollSession::resume()

@@ -39,7 +39,8 @@ public:
     /// waits for station 3 to answer a read".
     std::vector<std::string> awaited() const;
 
-    /// As LinkSession::pause and LinkSession::resume, for all links.
+    /// As LinkSession::pause and LinkSession::resume, for all links, so that the process can be
+    /// stopped.
     void pause();
     void resume();
 
