@@ -30,8 +30,8 @@ public:
     /// std::runtime_error.
     explicit Console(Stops stops = STOPS_PASS);
 
-    /// Waits at most `timeout` milliseconds for input. Lines are not empty and have no blanks at their
-    /// ends. If `takesKeys`, the input is returned as it comes. The end of standard input is
+    /// Waits at most `timeout` milliseconds for input. Lines are not empty and have no blanks at
+    /// their ends. If `takesKeys`, the input is returned as it comes. The end of standard input is
     /// reported only if it is a terminal. After the first SIGINT or SIGTERM, a second one ends the
     /// program at once.
     Input wait(int timeout, bool takesKeys = false);

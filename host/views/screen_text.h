@@ -1,4 +1,5 @@
-// UTF-8 texts in the columns of a terminal. A wide character takes two columns, a combining one none.
+// UTF-8 texts in the columns of a terminal. A wide character takes two columns, a combining
+// character none.
 #pragma once
 
 #include <cstddef>

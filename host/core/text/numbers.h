@@ -27,7 +27,8 @@ long long parseLongNumber(const std::string &text, long long lowest, long long h
 std::string rangeText(long long lowest, long long highest);
 
 /// Parses seconds with at most three digits after the point, for example "5", "2.5" or ".5".
-/// Returns milliseconds. Throws std::invalid_argument for any other text and for more than LONGEST_RUN.
+/// Returns milliseconds. Throws std::invalid_argument for any other text and for more than
+/// LONGEST_RUN.
 int millisecondsIn(const std::string &text);
 
 /// Returns `number` / 1000 with `digits` digits after the point, 1 or 3, rounded: "12.3" or
