@@ -61,7 +61,7 @@ velko::Link linkTo(const std::string &device, int stations, int index)
 LinkRun::LinkRun(int index, unsigned seed, const Rates &rates)
     : m_random(seed + 1000U * static_cast<unsigned>(index)),
       m_counter(random(0, WHOLE_REGISTER)),
-      m_stations(3 - index % 2),
+      m_stations(3),
       m_slaves(m_stations, RESPONSE_TIMEOUT, rates, seed + 7U * static_cast<unsigned>(index)),
       m_judge("seed " + std::to_string(seed) + ", link " + std::to_string(index + 1), m_stations),
       m_session(DRIVER_LIBRARY, linkTo(m_slaves.device(), m_stations, index), {}, *this)

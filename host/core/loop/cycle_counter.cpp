@@ -8,15 +8,29 @@ namespace velko
 void CycleCounter::load(const std::vector<PlannedRequest> &plan)
 {
     m_requests.clear();
-    m_ended.clear();
     for (const PlannedRequest &request : plan)
-        m_requests.push_back(keyOf(request.var));
+        m_requests.insert(keyOf(request.var));
+    restart();
+}
+
+void CycleCounter::restart()
+{
+    m_waiting = m_requests;
+    m_counts.clear();
+    for (const Key &key : m_requests)
+        ++m_counts[std::get<0>(key)];
+}
+
+void CycleCounter::ended(const RW_VAR &request)
+{
+    if (m_waiting.erase(keyOf(request)) > 0)
+        --m_counts[request.station];
 }
 
 bool CycleCounter::isComplete(const StationStates &stations) const
 {
-    return std::all_of(m_requests.begin(), m_requests.end(), [&](const Key &key) {
-        return m_ended.count(key) > 0 || !stations.isOnline(std::get<0>(key));
+    return std::all_of(m_counts.begin(), m_counts.end(), [&](const auto &count) {
+        return count.second == 0 || !stations.isOnline(count.first);
     });
 }
 

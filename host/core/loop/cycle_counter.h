@@ -5,6 +5,7 @@
 #include "host/core/stations/station_states.h"
 #include "velko_modbus_rtu.h"
 
+#include <map>
 #include <set>
 #include <tuple>
 #include <vector>
@@ -19,10 +20,11 @@ public:
     /// Starts a cycle of these requests.
     void load(const std::vector<PlannedRequest> &plan);
     /// Starts another cycle of the same requests.
-    void restart() { m_ended.clear(); }
+    void restart();
 
-    /// Notes that a request succeeded or was given up.
-    void ended(const RW_VAR &request) { m_ended.insert(keyOf(request)); }
+    /// Notes that a request succeeded or was given up. Other requests than those of the cycle do not
+    /// count.
+    void ended(const RW_VAR &request);
 
     /// True if all requests to online stations have ended.
     bool isComplete(const StationStates &stations) const;
@@ -32,8 +34,9 @@ private:
 
     static Key keyOf(const RW_VAR &request);
 
-    std::vector<Key> m_requests;
-    std::set<Key> m_ended;
+    std::set<Key> m_requests;
+    std::set<Key> m_waiting;     // those of m_requests that have not ended
+    std::map<int, int> m_counts; // of m_waiting, by station
 };
 
 } // namespace velko
