@@ -31,6 +31,18 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         return QString();
     }
 
+    QString setStation(Words &words)
+    {
+        StationSettings &settings = link.stationSettings[words.number()];
+        int maxRegs = 0;
+        int retries = 0;
+        int timeout = 0;
+        setFields(words.fields(),
+                  {{"maxRegs", &maxRegs}, {"retries", &retries}, {"timeout", &timeout}});
+        settings = {timeout, retries, maxRegs};
+        return QString();
+    }
+
     QString remove(const std::string &name)
     {
         link.variables.erase(link.variables.begin() + (&named(name) - link.variables.data()));
@@ -121,6 +133,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
 
     const std::map<QString, Action> m_actions = {
         {"add", [this](Words &w) { return addVariable(w); }},
+        {"settings", [this](Words &w) { return setStation(w); }},
         {"remove", [this](Words &w) { return remove(w.text().toStdString()); }},
         {"plan", [this](Words &) { return plan(); }},
         {"start", [this](Words &) { start(); return QString(); }},

@@ -4,6 +4,7 @@
 #include "host/core/writes/request_reports.h"
 
 #include <algorithm>
+#include <set>
 
 namespace velko
 {
@@ -139,16 +140,18 @@ void CommunicationLoop::exchange(const Protocol &request)
     m_isInProgress = true;
     try {
         m_status.setAwaited(request.var.station, request.var.ownerTag > 0);
-        const StationTalk::Result result = m_talk.ask(request);
+        StationTalk::Result result = m_talk.ask(request);
+        const std::set<int> heard = m_open.takeHeard();
+        // A late response to an earlier try shows that the station is there.
+        result.exchange.isQuiet = result.exchange.isQuiet && heard.count(request.var.station) == 0;
         if (result.kind == StationTalk::CHECK_READ && result.isAnswered)
             noteRead(result, "check read");
         else
             judge(request, result);
+        m_watch.heard(heard);
     } catch (const PortError &error) {
         losePort(error.what());
-        return;
     }
-    m_watch.heard(m_open.takeHeard());
 }
 
 // A check read without answer is a failed try of the request that waits for it.
@@ -179,11 +182,10 @@ void CommunicationLoop::probe(const Probe &probe)
         const StationTalk::Result result = m_talk.probe(probe);
         m_watch.probeEnded(probe, begin);
         noteRead(result, "probe");
+        m_watch.heard(m_open.takeHeard());
     } catch (const PortError &error) {
         losePort(error.what());
-        return;
     }
-    m_watch.heard(m_open.takeHeard());
 }
 
 // Counts a read that the driver does not know.
