@@ -18,6 +18,8 @@ ResponseFilter::ResponseFilter(FrameJudge &judge, const QByteArray &request, int
 
 void ResponseFilter::add(const QByteArray &bytes, Clock::time_point arrival)
 {
+    if (m_bytes.isEmpty())
+        m_begin = arrival;
     m_bytes.append(bytes);
     m_arrival = arrival;
     scan();
@@ -100,6 +102,7 @@ void ResponseFilter::drop(int count, bool isFrame)
 {
     const QByteArray bytes = m_bytes.left(count);
     m_bytes.remove(0, count);
+    m_begin = m_arrival;
     if (!isFrame && m_mayJoinNoise)
         m_dropped.back() = {m_dropped.back().bytes + bytes, m_arrival};
     else

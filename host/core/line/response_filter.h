@@ -49,6 +49,8 @@ public:
     /// The response as far as it is received; empty if it has not begun.
     QByteArray response() const;
 
+    /// When the first byte of the response arrived. Only if it has begun.
+    Clock::time_point firstArrival() const { return m_begin; }
     /// When the last byte arrived.
     Clock::time_point lastArrival() const { return m_arrival; }
 
@@ -70,8 +72,9 @@ private:
     QByteArray m_request;
     int m_responseLength = 0;
     QByteArray m_bytes;
-    Clock::time_point m_arrival = {};
-    int m_acceptedLength = 0; // bytes of the accepted response; 0: there is none yet
+    Clock::time_point m_begin = {};   // arrival of the first of m_bytes
+    Clock::time_point m_arrival = {}; // of the last byte
+    int m_acceptedLength = 0;         // bytes of the accepted response; 0: there is none yet
     std::vector<Dropped> m_dropped;
     bool m_mayJoinNoise = false; // the last entry of m_dropped is noise
 };

@@ -17,6 +17,13 @@ const int MAX_DISCARDS = 100;
 
 const int MAX_BATCHES = 10; // in which a USB adapter delivers a frame
 
+// Limit for a frame that does not end.
+microseconds longestFrameTime(const LineSettings &settings)
+{
+    return wireTime(settings, LONGEST_FRAME)
+           + MAX_BATCHES * milliseconds(interCharacterTimeout(settings));
+}
+
 const int CUT_INTERVAL = 250; // milliseconds between looks whether a read must end
 
 } // namespace
@@ -104,22 +111,26 @@ Exchange SerialLine::receive(ResponseFilter &filter, const ExchangeTimes &times)
     Exchange exchange;
     if (!filter.hasBegun())
         return exchange;
-    const auto delay = std::chrono::duration_cast<microseconds>(Clock::now() - sent);
-    exchange.responseTime = std::max(delay, microseconds(0));
     collectRest(filter, deadline);
     exchange.reply = filter.response();
-    exchange.outcome = exchange.reply.isEmpty() ? Exchange::NO_RESPONSE
-                       : filter.isComplete()    ? Exchange::COMPLETE
-                                                : Exchange::TRUNCATED;
+    if (exchange.reply.isEmpty())
+        return exchange;
+    const auto delay = std::chrono::duration_cast<microseconds>(filter.firstArrival() - sent);
+    exchange.responseTime = std::max(delay, microseconds(0));
+    exchange.outcome = filter.isComplete() ? Exchange::COMPLETE : Exchange::TRUNCATED;
     return exchange;
 }
 
-// Waits for the first byte of the response.
+// Waits for the first byte of the response. A frame that is arriving at the deadline is received to
+// its end: it may be a late response to an earlier request.
 void SerialLine::awaitResponse(ResponseFilter &filter, Clock::time_point deadline)
 {
     const int pause = interCharacterTimeout(m_settings);
+    const Clock::time_point end = std::max(deadline, Clock::now()) + longestFrameTime(m_settings);
     while (!filter.hasBegun()) {
-        const int left = timeLeft(deadline);
+        const bool isArriving =
+            !filter.isEmpty() && Clock::now() < filter.lastArrival() + milliseconds(pause);
+        const int left = timeLeft(isArriving ? end : deadline);
         if (left == 0) {
             filter.gap(); // the response may have begun after what looked like another frame
             hear(filter, QByteArray());
@@ -133,8 +144,7 @@ void SerialLine::awaitResponse(ResponseFilter &filter, Clock::time_point deadlin
 void SerialLine::collectRest(ResponseFilter &filter, Clock::time_point deadline)
 {
     const int pause = interCharacterTimeout(m_settings);
-    const Clock::time_point end =
-        Clock::now() + wireTime(m_settings, LONGEST_FRAME) + MAX_BATCHES * milliseconds(pause);
+    const Clock::time_point end = Clock::now() + longestFrameTime(m_settings);
     while (!filter.isComplete() && Clock::now() < end) {
         const QByteArray bytes = read(pause);
         if (bytes.isEmpty())
