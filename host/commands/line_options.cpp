@@ -63,7 +63,7 @@ LineOptions::LineOptions(CLI::App &options)
         .add_option(
             "--guard", m_guard,
             "guard time in seconds: silence after a missing or truncated response (default: "
-            "--timeout)")
+            "0.05; --timeout for writes, and if all responses have one length)")
         ->type_name("SECONDS")
         ->check(secondsFrom(0, LONGEST_TIME));
     options
