@@ -57,7 +57,7 @@ struct LineUnderTest {
             line = std::make_unique<SerialLine>(settings, taps, open, cut);
         line->awaitFrameGap();
         open.begin(request, replyLength, OpenRequests::REQUEST);
-        const Exchange exchange = line->exchange(
+        Exchange exchange = line->exchange(
             request, replyLength,
             {settings.responseTimeout, settings.guardTime.value_or(settings.responseTimeout)});
         open.end();

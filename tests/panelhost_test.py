@@ -404,6 +404,7 @@ class PanelhostTest(unittest.TestCase):
         self.assertEqual((request["lineMs"], cycle["cycleMs"]), (154.687, 162.709))
         self.assertEqual([request["gaps"][0][key] for key in ("register", "count", "maxRegs")], [11, 59, 58])
         self.assertEqual(page.unseen, set())
+
     def test_table_on_a_terminal(self):
         names = [f"conveyor.section.{i:02}.temperature" for i in range(40)]
         word = 'name = "{}"\nkind = "holding word"\naddress = {}\naccess = "read-write"'

@@ -37,7 +37,7 @@ CommunicationLoop::CommunicationLoop(const std::string &libraryFile, const Link 
       m_port(m_taps, m_open, m_readCut, m_reporter, m_status),
       m_talk(m_port, m_open),
       m_watch(m_driver, m_stations, m_open, m_reporter),
-      m_writes(m_driver, m_reporter)
+      m_writes(m_driver, m_stations, m_reporter)
 {
     collectReports(m_driver.driver());
     load(link, plan);
@@ -109,7 +109,10 @@ Verdict CommunicationLoop::obstacleTo(const Variable &variable) const
 
 bool CommunicationLoop::turn()
 {
-    m_watch.beginTurn();
+    for (const int station : m_watch.endClearing()) {
+        m_writes.failWaiting(station, Verdict(Verdict::NO_REPLY, "the station is offline"));
+        noteWrites();
+    }
     if (isOpen() && !m_isInProgress) {
         if (const std::optional<Probe> due = m_watch.dueProbe()) {
             probe(*due);
@@ -168,10 +171,7 @@ void CommunicationLoop::judge(const Protocol &request, const StationTalk::Result
     m_status.count(station, verdict, result.exchange);
     m_watch.exchangeEnded(station, verdict, result.exchange.isQuiet);
     noteEnd(request, verdict, true);
-    const bool isOnline = m_stations.isOnline(station);
-    if (!isOnline)
-        m_writes.failWaiting(station, Verdict(Verdict::NO_REPLY, "the station is offline"));
-    settleWrites(verdict, isOnline);
+    settleWrites(verdict, m_stations.isOnline(station));
 }
 
 void CommunicationLoop::probe(const Probe &probe)
@@ -180,9 +180,10 @@ void CommunicationLoop::probe(const Probe &probe)
     try {
         m_status.setAwaited(probe.station, false);
         const StationTalk::Result result = m_talk.probe(probe);
-        m_watch.probeEnded(probe, begin);
+        const std::set<int> heard = m_open.takeHeard();
         noteRead(result, "probe");
-        m_watch.heard(m_open.takeHeard());
+        m_watch.probeEnded(probe, begin, heard.count(probe.station) > 0);
+        m_watch.heard(heard);
     } catch (const PortError &error) {
         losePort(error.what());
     }

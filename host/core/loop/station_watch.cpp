@@ -55,9 +55,9 @@ bool StationWatch::isAnyOnline() const
                        [this](int station) { return m_states.isOnline(station); });
 }
 
-void StationWatch::beginTurn()
+std::vector<int> StationWatch::endClearing()
 {
-    m_states.endClearing(m_driver.queuedWrites() == 0);
+    return m_states.endClearing(m_driver.queuedWrites() == 0);
 }
 
 std::optional<Probe> StationWatch::dueProbe()
@@ -72,10 +72,16 @@ std::optional<Probe> StationWatch::dueProbe()
     return probe && m_sinceProbe.isComplete(m_states) ? probe : std::nullopt;
 }
 
-void StationWatch::probeEnded(const Probe &probe, Clock::time_point begin)
+void StationWatch::probeEnded(const Probe &probe, Clock::time_point begin, bool isAnswered)
 {
     m_schedule.ended(probe, begin, Clock::now());
     m_sinceProbe.restart();
+    if (!isAnswered)
+        return;
+    m_schedule.remove(probe.station);
+    const Clock::duration absence = m_states.takeOnline(probe.station);
+    m_reporter.report(Event::STATION_ONLINE, std::to_string(probe.station),
+                      "it responds again after " + secondsText(absence));
 }
 
 milliseconds StationWatch::untilNextProbe() const
@@ -92,19 +98,16 @@ void StationWatch::exchangeEnded(int station, const Verdict &verdict, bool isQui
         return;
     m_states.beginClearing(station, m_driver.queuedWrites());
     m_reporter.report(Event::STATION_OFFLINE, std::to_string(station),
-                      "no response; it is probed at growing intervals");
+                      "no response; it is probed from time to time");
 }
 
-// Also a late answer to an earlier request shows that the station is back.
+// A late answer also counts as the slowest one, so the next probe waits longer. A station that is
+// later than its response timeout stays offline.
 void StationWatch::heard(const std::set<int> &stations)
 {
-    for (const int station : stations) {
-        if (m_states.state(station) != StationStates::OFFLINE)
-            continue;
-        m_schedule.remove(station);
-        m_reporter.report(Event::STATION_ONLINE, std::to_string(station),
-                          "it responds again after " + secondsText(m_states.takeOnline(station)));
-    }
+    for (const int station : stations)
+        if (m_states.state(station) == StationStates::OFFLINE)
+            m_schedule.hasten(station);
 }
 
 void StationWatch::requestEnded(const RW_VAR &request)

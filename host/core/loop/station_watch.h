@@ -36,16 +36,18 @@ public:
     /// True if a cyclic request to an online station exists.
     bool isAnyPolled() const;
 
-    /// Called before each turn. Takes stations offline whose queued writes are given up.
-    void beginTurn();
+    /// Called before each turn. Takes stations offline whose writes in the driver's queue are given
+    /// up, and returns them.
+    std::vector<int> endClearing();
 
     /// A probe of every offline station is due at once.
     void restartProbes() { m_schedule.restart(); }
     /// Returns the probe that is due; no value: none. Between two probes all cyclic requests to
     /// online stations are sent.
     std::optional<Probe> dueProbe();
-    /// The probe has ended: it occupied the line from `begin` to now.
-    void probeEnded(const Probe &probe, Clock::time_point begin);
+    /// The probe has ended: it occupied the line from `begin` to now. If the station has answered,
+    /// it is online.
+    void probeEnded(const Probe &probe, Clock::time_point begin, bool isAnswered);
     /// Time to the next probe if nothing else is to be sent.
     milliseconds untilNextProbe() const;
 
@@ -53,7 +55,7 @@ public:
     /// Decides whether the station goes offline. `isQuiet`: no byte was received.
     void exchangeEnded(int station, const Verdict &verdict, bool isQuiet);
 
-    /// Stations have sent whole frames: they are online.
+    /// Stations have sent whole frames. For those that are offline, a probe is due at once.
     void heard(const std::set<int> &stations);
 
     /// Called when a request has succeeded or is given up.

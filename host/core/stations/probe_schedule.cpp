@@ -56,6 +56,13 @@ void ProbeSchedule::set(int station, const Times &times)
     m_stations.insert({station, {times, probePauses(), {}, {}, {}, 0}}).first->second.times = times;
 }
 
+void ProbeSchedule::hasten(int station)
+{
+    const auto place = m_stations.find(station);
+    if (place != m_stations.end())
+        place->second.due = {};
+}
+
 void ProbeSchedule::restart()
 {
     for (auto &place : m_stations) {

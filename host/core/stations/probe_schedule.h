@@ -32,6 +32,8 @@ public:
     /// The station is probed from now on, or its times have changed.
     void set(int station, const Times &times);
     void remove(int station) { m_stations.erase(station); }
+    /// A probe of the station is due at once.
+    void hasten(int station);
     /// A probe of each station is due at once.
     void restart();
 

@@ -29,15 +29,18 @@ void StationStates::writeEnded()
         --place.second.writesLeft;
 }
 
-void StationStates::endClearing(bool isQueueEmpty)
+std::vector<int> StationStates::endClearing(bool isQueueEmpty)
 {
     const Lock lock(m_mutex);
+    std::vector<int> cleared;
     for (auto &[station, entry] : m_entries) {
         if (entry.state != CLEARING || (!isQueueEmpty && entry.writesLeft > 0))
             continue;
         entry.state = OFFLINE;
         m_driver.EnCommStation(station, DISABLE);
+        cleared.push_back(station);
     }
+    return cleared;
 }
 
 std::vector<int> StationStates::offlineStations() const

@@ -39,8 +39,8 @@ public:
     void writeEnded();
     /// CLEARING -> OFFLINE for each station without a queued write. The driver takes writes in
     /// order, so that is the case when as many writes have ended as were queued, or when the queue
-    /// is empty.
-    void endClearing(bool isQueueEmpty);
+    /// is empty. Returns these stations.
+    std::vector<int> endClearing(bool isQueueEmpty);
 
     /// Returns the OFFLINE stations, in ascending order.
     std::vector<int> offlineStations() const;

@@ -8,6 +8,8 @@ namespace velko
 namespace
 {
 
+const size_t WRITES_IN_A_ROW = 5; // that the driver sends before it reads
+
 Event eventOf(const WriteOrder &order, Event::State state, const std::string &detail,
               Verdict::Kind cause = Verdict::GOOD)
 {
@@ -23,8 +25,9 @@ Event eventOf(const WriteOrder &order, Event::State state, const std::string &de
 
 } // namespace
 
-WriteQueue::WriteQueue(DriverLink &driver, const Reporter &reporter)
+WriteQueue::WriteQueue(DriverLink &driver, const StationStates &stations, const Reporter &reporter)
     : m_driver(driver),
+      m_stations(stations),
       m_reporter(reporter)
 {
 }
@@ -80,7 +83,7 @@ void WriteQueue::feed()
 {
     while (!m_waiting.empty()) {
         const Pending write = m_waiting.front();
-        if (m_queued.count(write.owner) > 0 || m_written.touch(write.order.variable))
+        if (mustWait(write))
             return;
         removeWaiting(m_waiting.begin());
         if (!queue(write)) {
@@ -91,6 +94,16 @@ void WriteQueue::feed()
         m_written.add(write.order.variable);
         m_queued.insert({write.owner, write});
     }
+}
+
+// A station that is being cleared gives up what is in the driver's queue before what waits, so that
+// results come in the order of the writes.
+bool WriteQueue::mustWait(const Pending &write) const
+{
+    const Variable &variable = write.order.variable;
+    return m_queued.size() >= WRITES_IN_A_ROW || m_queued.count(write.owner) > 0
+           || m_written.touch(variable)
+           || m_stations.state(variable.station) == StationStates::CLEARING;
 }
 
 void WriteQueue::settle(const std::vector<RequestReport> &reports, const Verdict &verdict,

@@ -5,6 +5,7 @@
 #include "host/core/events/event.h"
 #include "host/core/events/reporter.h"
 #include "host/core/events/verdict.h"
+#include "host/core/stations/station_states.h"
 #include "host/core/variables/variable.h"
 #include "host/core/writes/request_reports.h"
 #include "host/core/writes/written_registers.h"
@@ -40,13 +41,14 @@ struct EndedWrite {
 /// write by a newer one of the same target even when the older one has been sent, and would give up
 /// both with one of them. So a write waits here, with all that follow it, until no other write in
 /// the driver's queue touches its registers. Only a waiting write is superseded: it was never sent.
+/// So the driver gets no more writes at a time than it sends in a row.
 ///
 /// Used on the communication thread, between two exchanges.
 class WriteQueue
 {
 public:
-    /// `driver` and `reporter` are the caller's and outlive this object.
-    WriteQueue(DriverLink &driver, const Reporter &reporter);
+    /// `driver`, `stations` and `reporter` are the caller's and outlive this object.
+    WriteQueue(DriverLink &driver, const StationStates &stations, const Reporter &reporter);
 
     /// Adds a write and returns true. If the write is refused, reports the reason and returns
     /// false. `obstacle`: a reason of the caller's; GOOD if there is none.
@@ -78,6 +80,7 @@ private:
     bool hasRoomFor(const Pending &write) const;
     void supersede(const Pending &newer);
     void feed();
+    bool mustWait(const Pending &write) const;
     bool queue(const Pending &write);
     void failWaiting(const Verdict &verdict, const std::function<bool(const Pending &)> &isMeant);
     Waiting::iterator removeWaiting(Waiting::iterator place);
@@ -86,6 +89,7 @@ private:
     void end(const Pending &write, Event::State state, const Verdict &verdict);
 
     DriverLink &m_driver;
+    const StationStates &m_stations;
     const Reporter &m_reporter;
     // ownerTag of each variable, by name and place. After a reload a name may belong to another
     // place, and both places may have a queued write. Entries remain, because late reports need
