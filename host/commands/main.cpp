@@ -39,7 +39,8 @@ void checkNegativeNumbers(int argc, char *argv[])
         if (isNumber && !isOption)
             throw std::invalid_argument(text
                                         + ": put negative values after --, for example: panelhost "
-                                          "write DEVICE -r 101 -t 4:s16 -- -12");
+                                          "write DEVICE -r 101 -t 4:s16 -- -12. A write needs no "
+                                          "-1: it is made once.");
     }
 }
 

@@ -90,24 +90,27 @@ Variable OneShotOptions::byReference(int station, int count, Access access) cons
 }
 
 OneShotLoop::OneShotLoop(const TalkOptions &talk, const Link &link)
-    : m_loop(talk.library(), link, planOf(talk.library(), link), talk.taps(), *this)
+    : m_loop(talk.library(), link, planOf(talk.library(), link), talk.taps(), *this),
+      m_interruption(m_loop)
 {
     m_loop.open();
 }
 
 // Both loops always end, because each request is given up after its retries.
-void OneShotLoop::readAll(const std::function<bool()> &isEnd)
+void OneShotLoop::readAll()
 {
     const std::int64_t before = m_loop.status().cycles();
-    while (m_loop.status().cycles() == before && !isEnd() && turn()) {
+    while (m_loop.status().cycles() == before && !m_interruption.isRequested() && turn()) {
     }
 }
 
 int OneShotLoop::write(const Variable &variable, const std::string &text)
 {
     m_loop.write({variable, text});
-    while (m_loop.hasPendingWrites())
+    while (m_loop.hasPendingWrites() && !m_interruption.isRequested())
         turn();
+    if (m_loop.hasPendingWrites())
+        m_loop.close("it was interrupted");
     if (m_lastWrite.state == Event::WRITE_DONE)
         return EXIT_GOOD;
     std::fprintf(stderr, "panelhost: %s = %s: %s: %s\n", variable.name.c_str(), text.c_str(),

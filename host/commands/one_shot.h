@@ -1,13 +1,13 @@
 // Options and loop of the sub-commands `read` and `write`.
 #pragma once
 
+#include "host/commands/interruption.h"
 #include "host/commands/talk_options.h"
 #include "host/core/events/event.h"
 #include "host/core/links/link.h"
 #include "host/core/loop/communication_loop.h"
 #include "host/core/variables/variable.h"
 
-#include <functional>
 #include <string>
 
 namespace velko
@@ -47,14 +47,16 @@ public:
     OneShotLoop(const TalkOptions &talk, const Link &link);
 
     /// Reads all variables of the link. Returns when each request has succeeded or is given up,
-    /// without those to offline stations, or after the exchange in progress once `isEnd` is true.
-    /// Throws PortError.
-    void readAll(const std::function<bool()> &isEnd);
+    /// without those to offline stations, or after the exchange in progress if the user interrupts
+    /// it. Throws PortError.
+    void readAll();
 
     /// Writes a variable. Prints the reason on standard error if the write fails. Returns an
-    /// ExitStatus. Throws PortError.
+    /// ExitStatus. If the user interrupts it, returns after the exchange in progress; no further
+    /// write is possible then. Throws PortError.
     int write(const Variable &variable, const std::string &text);
 
+    Interruption &interruption() { return m_interruption; }
     const CommunicationLoop &loop() const { return m_loop; }
 
     void receive(const Event &event) override;
@@ -65,6 +67,7 @@ private:
     Event m_lastWrite;
     std::string m_portError;
     CommunicationLoop m_loop;
+    Interruption m_interruption;
 };
 
 } // namespace velko

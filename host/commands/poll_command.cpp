@@ -25,7 +25,8 @@ namespace velko
 namespace
 {
 
-const int REFRESH = 100; // milliseconds
+const int REFRESH = 100;      // milliseconds
+const int SLOW_REFRESH = 250; // while no station is online
 const milliseconds SILENT_END(150);
 
 const char *const FOOTER =
@@ -44,6 +45,14 @@ std::vector<std::string> namesOf(const std::vector<Link> &links)
     for (const Link &link : links)
         names.push_back(link.name);
     return names;
+}
+
+bool isAnyOnline(const Snapshot &snapshot)
+{
+    return std::any_of(snapshot.links.begin(), snapshot.links.end(), [](const LinkRow &link) {
+        return std::any_of(link.stations.begin(), link.stations.end(),
+                           [](const StationStatus &status) { return status.isOnline; });
+    });
 }
 
 // Exit status for the values at the end.
@@ -114,9 +123,9 @@ int PollCommand::run()
     {
         const std::unique_ptr<PollView> view = makeView();
         loop(session, *view);
-        last = session.snapshot();
         view->leave();
         end(session);
+        last = session.snapshot();
         passEvents(session, *view);
         view->finish(last);
     }
@@ -156,21 +165,26 @@ void PollCommand::loop(PollSession &session, PollView &view)
     const Clock::time_point end = m_seconds.empty()
                                       ? Clock::time_point::max()
                                       : Clock::now() + milliseconds(millisecondsIn(m_seconds));
+    int refresh = REFRESH;
     while (Clock::now() < end && !isOver(session)) {
         const Console::Input input =
-            console.wait(std::min(REFRESH, m_seconds.empty() ? REFRESH : millisecondsUntil(end)),
+            console.wait(std::min(refresh, m_seconds.empty() ? refresh : millisecondsUntil(end)),
                          view.takesKeys());
-        if (!handle(input, session, view))
+        if (!handle(input, session, view)) {
+            m_isInterrupted = true;
             return;
+        }
         passEvents(session, view);
-        view.show(session.snapshot());
+        const Snapshot snapshot = session.snapshot();
+        view.show(snapshot);
+        refresh = isAnyOnline(snapshot) ? REFRESH : SLOW_REFRESH;
     }
 }
 
 // Says what the end waits for, unless it comes at once.
-void PollCommand::end(PollSession &session)
+void PollCommand::end(PollSession &session) const
 {
-    session.requestStop();
+    session.requestStop(m_isInterrupted);
     const Clock::time_point soon = Clock::now() + SILENT_END;
     while (!session.awaited().empty() && Clock::now() < soon)
         QThread::msleep(5);

@@ -26,7 +26,7 @@ private:
     std::vector<Link> readFile() const;
     std::unique_ptr<PollView> makeView() const;
     void loop(PollSession &session, PollView &view);
-    static void end(PollSession &session);
+    void end(PollSession &session) const;
     bool handle(const Console::Input &input, PollSession &session, PollView &view);
     static void stopProcess(PollSession &session, PollView &view);
     bool isOver(const PollSession &session) const;
@@ -45,6 +45,7 @@ private:
     bool m_isJson = false;
     bool m_isLines = false;
     bool m_isFailFast = false;
+    bool m_isInterrupted = false; // by the user, not by --cycles or --seconds
 
     int m_status = 0; // worst ExitStatus of the writes so far
 };

@@ -3,18 +3,15 @@
 #include "host/commands/exit_status.h"
 #include "host/commands/help_texts.h"
 #include "host/commands/number_options.h"
-#include "host/commands/signals.h"
 #include "host/core/line/line_times.h"
 #include "host/core/sizes/limits.h"
 #include "host/core/sizes/units.h"
 #include "host/core/variables/formats.h"
 #include "host/views/json_objects.h"
 
-#include <poll.h>
-
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
+#include <optional>
 #include <sstream>
 
 namespace velko
@@ -80,7 +77,7 @@ int ReadCommand::run()
     if (isRepeated()) {
         status = repeat(once, toRead);
     } else {
-        once.readAll([] { return false; });
+        once.readAll();
         status = print(once, toRead);
     }
     m_talk.finish();
@@ -108,31 +105,21 @@ bool ReadCommand::isRepeated() const
     return m_interval > 0 && !m_isOnce;
 }
 
-// After the first signal, a second one ends the program at once.
+// The round that the user interrupts counts only if it is the first one.
 int ReadCommand::repeat(OneShotLoop &once, const Link &link) const
 {
-    const Signals endings({SIGINT, SIGTERM});
-    bool isEnd = false;
-    const auto takeSignals = [&] {
-        for (const int number : endings.take()) {
-            Signals::release(number);
-            isEnd = true;
-        }
-        return isEnd;
-    };
-    int status = EXIT_GOOD;
-    while (!isEnd && std::ferror(stdout) == 0) {
+    Interruption &interruption = once.interruption();
+    std::optional<int> status;
+    while (!interruption.isRequested() && std::ferror(stdout) == 0) {
         const Clock::time_point next = Clock::now() + milliseconds(m_interval);
-        once.readAll(takeSignals);
-        if (isEnd)
-            return status;
-        status = std::max(status, print(once, link));
+        once.readAll();
+        if (interruption.isRequested() && status)
+            break;
+        status = std::max(status.value_or(EXIT_GOOD), print(once, link));
         std::fflush(stdout);
-        pollfd waiting = {endings.descriptor(), POLLIN, 0};
-        ::poll(&waiting, 1, millisecondsUntil(next));
-        takeSignals();
+        interruption.wait(milliseconds(millisecondsUntil(next)));
     }
-    return status;
+    return status.value_or(EXIT_PROGRAM);
 }
 
 int ReadCommand::print(const OneShotLoop &once, const Link &link) const

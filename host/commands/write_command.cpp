@@ -69,6 +69,11 @@ int WriteCommand::run()
     OneShotLoop once(m_talk, link);
     int status = EXIT_GOOD;
     for (const Write &write : todo) {
+        if (once.interruption().isRequested()) {
+            std::fprintf(stderr, "panelhost: %s: not sent: it was interrupted\n",
+                         write.variable.name.c_str());
+            continue;
+        }
         printTarget(write.variable, write.text);
         status = std::max(status, once.write(write.variable, write.text));
     }

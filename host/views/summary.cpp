@@ -23,8 +23,8 @@ TextTable::Row rowOf(const StationStatus &status)
          {counters.sent, counters.good, counters.noReply, counters.badCrc, counters.wrongLength,
           counters.retries, counters.givenUp})
         row.push_back(std::to_string(count));
-    row.push_back(thousandths(counters.meanResponse().count()));
-    row.push_back(thousandths(counters.worstResponse.count()));
+    for (const microseconds time : {counters.meanResponse(), counters.worstResponse})
+        row.push_back(time.count() > 0 ? thousandths(time.count()) : "-");
     return row;
 }
 
@@ -95,7 +95,7 @@ std::vector<std::string> linkTables(const Snapshot &snapshot, size_t width)
     std::vector<std::string> lines;
     for (const LinkRow &link : snapshot.links) {
         lines.push_back("");
-        lines.push_back("Link " + link.name + (link.isOpen ? " on " : ", port disconnected: ")
+        lines.push_back("Link " + link.name + (link.isOpen ? " on " : ", port not open: ")
                         + link.port + ", " + std::to_string(link.cycles) + " cycles");
         const std::vector<std::string> stations = stationTable(link, width);
         lines.insert(lines.end(), stations.begin(), stations.end());

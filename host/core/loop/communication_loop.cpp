@@ -1,6 +1,8 @@
 #include "host/core/loop/communication_loop.h"
 
 #include "host/core/line/port_error.h"
+#include "host/core/line/replies.h"
+#include "host/core/sizes/frames.h"
 #include "host/core/writes/request_reports.h"
 
 #include <algorithm>
@@ -18,6 +20,17 @@ const int MAX_CLEARING_TURNS = 4 * LIMIT_QUEUE_ENTRIES;
 // After a turn without a request. The pauses limit the load of the processor.
 const milliseconds SHORTEST_PAUSE(1);
 const milliseconds LONGEST_PAUSE(500);
+
+bool isRead(const Protocol &request)
+{
+    return byteAt(request.frame, 1) <= READ_INPUT_REGISTERS;
+}
+
+// False for the read with which a bit or byte write begins.
+bool carriesOut(const Protocol &request)
+{
+    return request.var.ownerTag < 0 || !isRead(request);
+}
 
 RegisterSpan spanOf(const RW_VAR &request)
 {
@@ -100,7 +113,7 @@ bool CommunicationLoop::write(const WriteOrder &order)
 Verdict CommunicationLoop::obstacleTo(const Variable &variable) const
 {
     if (!isOpen())
-        return Verdict(Verdict::PORT_GONE, "the port is disconnected");
+        return Verdict(Verdict::PORT_GONE, "the port is not open");
     if (!m_stations.isOnline(variable.station))
         return Verdict(Verdict::NO_REPLY,
                        "station " + std::to_string(variable.station) + " is offline");
@@ -153,6 +166,7 @@ void CommunicationLoop::exchange(const Protocol &request)
             judge(request, result);
         m_watch.heard(heard);
     } catch (const PortError &error) {
+        m_isSent = m_isSent || (m_talk.latestKind() == StationTalk::REQUEST && carriesOut(request));
         losePort(error.what());
     }
 }
@@ -162,7 +176,11 @@ void CommunicationLoop::judge(const Protocol &request, const StationTalk::Result
 {
     const bool isRequest = result.kind == StationTalk::REQUEST;
     const int station = request.var.station;
-    m_isSent = m_isSent || isRequest;
+    m_isSent = m_isSent || (isRequest && carriesOut(request));
+    if (isCut(result)) {
+        m_status.count(station, Verdict(Verdict::NOT_SENT), result.exchange);
+        return; // the request ends with the loop
+    }
     const QByteArray reply = isRequest ? result.exchange.reply : QByteArray();
     const Verdict verdict =
         verdictOn(result.request, result.exchange, m_driver.judge(request, reply, false));
@@ -172,6 +190,12 @@ void CommunicationLoop::judge(const Protocol &request, const StationTalk::Result
     m_watch.exchangeEnded(station, verdict, result.exchange.isQuiet);
     noteEnd(request, verdict, true);
     settleWrites(verdict, m_stations.isOnline(station));
+}
+
+bool CommunicationLoop::isCut(const StationTalk::Result &result) const
+{
+    return m_readCut.isDue() && result.exchange.outcome == Exchange::NO_RESPONSE
+           && isRead(result.request);
 }
 
 void CommunicationLoop::probe(const Probe &probe)
@@ -213,7 +237,7 @@ void CommunicationLoop::losePort(const std::string &why)
 
 void CommunicationLoop::close(const std::string &why)
 {
-    m_port.close(why);
+    m_port.close();
     clearWrites(Verdict::NOT_SENT, why);
 }
 

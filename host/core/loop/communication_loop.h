@@ -47,7 +47,8 @@ public:
     /// attempt.
     std::optional<milliseconds> reopen();
     bool isOpen() const { return m_port.isOpen(); }
-    /// Closes the port. Reports queued writes as failed, with `why` as the reason.
+    /// Closes the port at the end. Reports queued writes as failed, with `why` as the reason. The
+    /// status remains as it was.
     void close(const std::string &why);
 
     /// Replaces the variables, their requests and the link's settings. Queued writes and stored
@@ -82,6 +83,7 @@ public:
 private:
     void exchange(const Protocol &request);
     void probe(const Probe &probe);
+    bool isCut(const StationTalk::Result &result) const;
     void judge(const Protocol &request, const StationTalk::Result &result);
     void noteRead(const StationTalk::Result &result, const char *purpose);
     void giveUpUnsent(const Protocol &request, const Verdict &verdict);
@@ -108,7 +110,7 @@ private:
     CycleCounter m_cycle;
     Verdict m_absence;           // result of requests while the port is closed
     bool m_isInProgress = false; // the driver awaits the result of a request
-    bool m_isSent = false;       // a frame of this request was sent
+    bool m_isSent = false;       // the frame that carries it out was sent
 };
 
 } // namespace velko

@@ -66,14 +66,14 @@ std::optional<milliseconds> LinkPort::reopen()
 void LinkPort::lose(const std::string &why)
 {
     const std::string device = m_line->device();
-    close(why);
+    close();
+    m_status.setPort(false, why);
     m_reporter.report(Event::PORT_LOST, device, why);
 }
 
-void LinkPort::close(const std::string &why)
+void LinkPort::close()
 {
     m_line.reset();
-    m_status.setPort(false, why);
 }
 
 void LinkPort::awaitFrameGap()

@@ -43,8 +43,8 @@ public:
     /// Closes the open port after a failure and reports it. `why`: the reason.
     void lose(const std::string &why);
 
-    /// Closes the port without an event. `why`: the reason, for LinkStatus::portText.
-    void close(const std::string &why);
+    /// Closes the port at the end. LinkStatus keeps its last state.
+    void close();
 
     // The port must be open.
 

@@ -33,20 +33,19 @@ void LinkRunner::start(MissingPort missing)
 
 void LinkRunner::stop()
 {
-    requestStop();
+    requestStop(false);
     if (m_thread)
         m_thread->wait();
 }
 
-void LinkRunner::requestStop()
+void LinkRunner::requestStop(bool cutsReads)
 {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_isStopping)
-            return;
         m_isStopping = true;
     }
-    m_loop.readCut().request();
+    if (cutsReads)
+        m_loop.readCut().request();
     m_changed.notify_all();
 }
 

@@ -44,8 +44,9 @@ public:
     /// Ends the thread after the exchange in progress and waits for its end. Not from the thread
     /// itself.
     void stop();
-    /// The first half of stop(): does not wait.
-    void requestStop();
+    /// The first half of stop(): does not wait. With `cutsReads`, a read in progress ends within
+    /// ReadCut::PATIENCE.
+    void requestStop(bool cutsReads);
     /// True if the thread has ended.
     bool hasEnded() const { return !m_thread || m_thread->isFinished(); }
 

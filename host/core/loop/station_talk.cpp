@@ -77,6 +77,7 @@ bool StationTalk::needsOtherAnswer(const Protocol &request) const
 StationTalk::Result StationTalk::exchange(Kind kind, const Protocol &request,
                                           const ExchangeTimes &times)
 {
+    m_latestKind = kind;
     m_open.begin(request.frame, request.replyLen,
                  kind == REQUEST ? OpenRequests::REQUEST : OpenRequests::CHECK_READ);
     Result result{kind, request, m_port.exchange(request, times)};

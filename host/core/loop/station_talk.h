@@ -47,6 +47,9 @@ public:
     /// Sends the probe. Throws PortError.
     Result probe(const Probe &probe);
 
+    /// What was sent last.
+    Kind latestKind() const { return m_latestKind; }
+
 private:
     bool needsOtherAnswer(const Protocol &request) const;
     Result exchange(Kind kind, const Protocol &request, const ExchangeTimes &times);
@@ -60,6 +63,7 @@ private:
     CheckReads m_checks;
     const Link *m_link = nullptr;
     int m_checksInRow = 0;
+    Kind m_latestKind = REQUEST;
 };
 
 } // namespace velko

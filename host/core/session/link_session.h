@@ -41,9 +41,9 @@ public:
     /// failed. Not from the communication thread.
     void stop();
 
-    /// The first half of stop(): does not wait. A read in progress ends within ReadCut::PATIENCE, a
-    /// write within its response timeout.
-    void requestStop() { m_runner.requestStop(); }
+    /// The first half of stop(): does not wait. With `cutsReads`, a read in progress ends within
+    /// ReadCut::PATIENCE; the response to a write is awaited.
+    void requestStop(bool cutsReads) { m_runner.requestStop(cutsReads); }
     /// True if the communication thread has ended.
     bool hasEnded() const { return m_runner.hasEnded(); }
 
@@ -75,7 +75,8 @@ public:
     /// is given while the session is stopped is refused at the next start().
     int write(const std::string &variable, const std::string &text);
 
-    /// Returns values and states. A value may be newer than its state, but not older.
+    /// Returns values and states; after stop(), those of the end. A value may be newer than its
+    /// state, but not older.
     Snapshot snapshot() const;
 
     /// Number of completed cycles.

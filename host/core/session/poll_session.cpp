@@ -44,10 +44,10 @@ void PollSession::start(MissingPort missing)
         link->start(missing);
 }
 
-void PollSession::requestStop()
+void PollSession::requestStop(bool cutsReads)
 {
     for (const auto &link : m_links)
-        link->requestStop();
+        link->requestStop(cutsReads);
 }
 
 std::vector<std::string> PollSession::awaited() const
@@ -76,7 +76,7 @@ void PollSession::resume()
 
 void PollSession::stop()
 {
-    requestStop(); // so that the links end at the same time
+    requestStop(false); // so that the links end at the same time
     for (const auto &link : m_links)
         link->stop();
 }

@@ -33,8 +33,8 @@ public:
 
     /// Stops every link. takeEvents() returns the last events afterwards.
     void stop();
-    /// The first half of stop(): does not wait.
-    void requestStop();
+    /// As LinkSession::requestStop, for all links.
+    void requestStop(bool cutsReads);
     /// Returns, for each link whose thread has not ended, what it waits for, for example "packing
     /// waits for station 3 to answer a read".
     std::vector<std::string> awaited() const;

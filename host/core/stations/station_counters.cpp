@@ -21,7 +21,8 @@ void StationCounters::count(const Verdict &verdict, const Exchange &exchange)
     if (verdict.kind == Verdict::EXCEPTION)
         ++exceptions[verdict.exception];
     retries += verdict.repeats;
-    givenUp += verdict.kind != Verdict::GOOD && !verdict.repeats;
+    const bool isCut = verdict.kind == Verdict::NOT_SENT; // by the end of the program
+    givenUp += verdict.kind != Verdict::GOOD && !verdict.repeats && !isCut;
     if (exchange.reply.isEmpty())
         return;
     ++m_responses;
