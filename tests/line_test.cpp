@@ -258,6 +258,8 @@ TEST(Line, Echo)
     EXPECT_EQ(test.read12(), " (collision)");
     test.plc.collide(false);
     EXPECT_EQ(test.read12(), RESPONSE_12);
+    test.plc.setFault(1, {Fault::SILENT, 0, 1});
+    EXPECT_TRUE(test.exchange(READ_12, 7).isQuiet); // the echo is no sign of life
 
     LineUnderTest without;
     without.settings.echo = true;

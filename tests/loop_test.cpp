@@ -128,6 +128,46 @@ TEST_F(LoopTest, ADeadStationDoesNotSlowTheOthers)
     EXPECT_EQ(taken(Event::STATION), "2 online\n");
 }
 
+TEST_F(LoopTest, AWholeCycleComesBetweenTwoProbes)
+{
+    const int requests = 6;
+    for (int i = 0; i < requests; ++i)
+        add(std::to_string(i).c_str(), ("7:" + std::to_string(200 * i)).c_str());
+    add("dead", "7:0", 2);
+    link.stationSettings[1].responseTimeout = 5000;
+    start();
+    ASSERT_TRUE(readAll());
+    fault("2:silent");
+    ASSERT_TRUE(turnUntil([this] { return !loop->status().isOnline(2); }));
+    fault("1:late=400"); // a cycle takes longer than any pause between the first probes
+    const size_t first = plc->requests().size();
+    ASSERT_TRUE(turnUntil([this] { return requestsTo(1) >= 5 * requests; }, 20000));
+    const std::vector<SeenRequest> seen = plc->requests();
+    std::optional<int> others; // since the last probe
+    int probes = 0;
+    for (size_t i = first; i < seen.size(); ++i) {
+        if (byteAt(seen[i].frame, 0) == 1) {
+            others = others.value_or(requests) + 1;
+            continue;
+        }
+        EXPECT_TRUE(!others || *others >= requests) << i;
+        others = 0;
+        ++probes;
+    }
+    EXPECT_GE(probes, 2);
+}
+
+TEST_F(LoopTest, CheckReadsThatAreAnsweredCostNoTry)
+{
+    add("pair", "7:0:u16:2");
+    add("more", "7:200:u16:3");
+    link.line.responseTimeout = 2000;
+    start();
+    fault("1:cut=4/3");
+    ASSERT_TRUE(turnUntil([this] { return counters(1).retries >= 15; }, 20000));
+    EXPECT_EQ(counters(1).givenUp, 0); // with one retry, each check read would be the last try
+}
+
 TEST_F(LoopTest, MoreWritesThanATurnsBurst)
 {
     for (int i = 0; i < 17; ++i)

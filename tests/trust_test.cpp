@@ -20,18 +20,23 @@ QByteArray withCrc(const QByteArray &bytes)
     return bytes + crc16(bytes);
 }
 
+char byte(int value)
+{
+    return static_cast<char>(value);
+}
+
 /// A frame of the table: a response, or the request for it.
 QByteArray frameOf(const QString &text, bool isRequest)
 {
     const QByteArray station(1, '\x01');
     if (text.startsWith('w'))
-        return withCrc(station + '\x10' + '\0' + char(text.mid(1).toInt()) + QByteArray(1, '\0')
+        return withCrc(station + '\x10' + '\0' + byte(text.mid(1).toInt()) + QByteArray(1, '\0')
                        + '\x01' + (isRequest ? QByteArray("\x02\x12\x34") : QByteArray()));
     if (text.startsWith('x'))
-        return withCrc(station + char(0x80 + text.mid(1).toInt()) + '\x02');
-    const char function = char(text.section('/', 0, 0).toInt());
+        return withCrc(station + byte(0x80 + text.mid(1).toInt()) + '\x02');
+    const char function = byte(text.section('/', 0, 0).toInt());
     const int data = text.section('/', 1).toInt() - 5;
-    const QByteArray body = isRequest ? QByteArray(4, '\0') : char(data) + QByteArray(data, 'd');
+    const QByteArray body = isRequest ? QByteArray(4, '\0') : byte(data) + QByteArray(data, 'd');
     return withCrc(station + function + body);
 }
 
@@ -126,6 +131,9 @@ TEST(CheckReads, EndAfterManyExceptions)
 {
     PolledStation station({"7:0:u16:3", "7:1000:u16:3"});
     std::set<QByteArray> frames;
+    for (int i = 0; i < 19; ++i)
+        station.next(CheckReads::EXCEPTION);
+    station.next(CheckReads::ANSWERED);
     for (int i = 0; i < 20; ++i) {
         EXPECT_TRUE(station.checks.arePossible(1)) << i;
         frames.insert(station.checks.next(1, station.open, {}).frame);
@@ -251,6 +259,20 @@ TEST(ProbeSchedule, HalfASecondWhileNoStationIsOnline)
     for (int station = 1; station <= 5; ++station) {
         EXPECT_EQ(probes[station], 24) << station;
         EXPECT_EQ(full[station], station <= 3 ? 2 : 24) << station; // every tenth, or every one
+    }
+}
+
+TEST(ProbeSchedule, StartsAgainAtOnce)
+{
+    for (const bool isRestarted : {false, true}) {
+        ProbeSchedule schedule;
+        schedule.set(1, {milliseconds(500), milliseconds(3)});
+        const Clock::time_point begin = Clock::now();
+        const Clock::time_point later = begin + milliseconds(400); // the first pause is longer
+        schedule.ended(*schedule.due(true, begin), begin, begin + milliseconds(1));
+        if (isRestarted)
+            schedule.restart();
+        EXPECT_EQ(schedule.due(true, later).has_value(), isRestarted);
     }
 }
 
