@@ -289,6 +289,15 @@ class PanelhostTest(unittest.TestCase):
             self.assertIn("station 9, holding word 2: no response", errors)
             self.assertGreater(os.path.getsize(capture), 100)
 
+    def test_the_worst_round_gives_the_exit_status(self):
+        with Simulator("--station", "1", "--fault", "1:exception=2", "--at", "1:1:none") as plc:
+            process = subprocess.Popen([*PANELHOST, "read", plc.device, "-l", "20", "7:2"], text=True,
+                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            self.assertEqual(process.stdout.readline(), "7:2 = 38059\n")
+            process.send_signal(signal.SIGINT)
+            process.communicate(timeout=LIMIT)
+            self.assertEqual(process.returncode, 6)
+
     def test_exit_statuses(self):
         good = self.file(self.link("/dev/none", 'name = "v"\nkind = "input word"\naddress = 0'))
         bad = self.file("[[link]]\nnam = 1\n", "bad.toml")

@@ -1,8 +1,9 @@
-// Which answer is believed, and when a station that does not answer is probed.
+// Which answer is believed, when a station that does not answer is probed, and which writes wait.
 #include "host/core/line/crc16.h"
 #include "host/core/stations/probe_schedule.h"
 #include "host/core/trust/check_reads.h"
 #include "host/core/trust/open_requests.h"
+#include "host/core/writes/written_registers.h"
 #include "tests/script.h"
 
 #include <gtest/gtest.h>
@@ -283,4 +284,27 @@ TEST(ProbeSchedule, WaitsThreeTimesTheSlowestResponse)
         schedule.set(1, {milliseconds(500), milliseconds(slowest)});
         EXPECT_EQ(schedule.due(true, Clock::now())->responseTimeout.count(), timeout);
     }
+}
+
+TEST(WrittenRegisters, TouchWhatSharesARegister)
+{
+    const auto variable = [](const char *place, int station = 1) {
+        return parseVariable(place, station, Access::WRITE);
+    };
+    WrittenRegisters written;
+    for (const char *place : {"10:50", "7:110", "8:20"}) // registers 100 and 101; 110; 5020
+        written.add(variable(place));
+    const struct {
+        const char *place;
+        bool isTouched;
+    } rows[] = {{"7:99", false},       {"7:100", true},        {"7:101", true},
+                {"7:102", false},      {"1:203.7", true},      {"4:204", false},
+                {"7:98:u16:3", true},  {"7:101:u16:20", true}, {"7:102:u16:8", false},
+                {"7:109:u16:3", true}, {"7:5020", true},       {"11:10", true}};
+    for (const auto &row : rows)
+        EXPECT_EQ(written.touch(variable(row.place)), row.isTouched) << row.place;
+    EXPECT_FALSE(written.touch(variable("7:100", 2)));
+    written.remove(variable("10:50"));
+    EXPECT_FALSE(written.touch(variable("7:101")));
+    EXPECT_TRUE(written.touch(variable("7:110")));
 }
