@@ -86,7 +86,7 @@ struct PolledStation {
     {
         const CheckReads::Read read = checks.next(1, open, waiting);
         open.begin(read.frame, read.responseLength, OpenRequests::CHECK_READ);
-        checks.ended(1, result);
+        checks.ended(1, result, result != CheckReads::ANSWERED);
         const ResponseShape shape = read.response();
         return std::to_string(shape.function) + "/" + std::to_string(shape.length);
     }
@@ -122,10 +122,9 @@ TEST(CheckReads, DifferFromWhatIsAwaited)
     EXPECT_EQ(station.next(CheckReads::ANSWERED, {3, 7}), "3/9");
     EXPECT_EQ(station.next(CheckReads::ANSWERED, {3, 7}), "3/11");
     EXPECT_EQ(station.next(CheckReads::ANSWERED, {3, 7}),
-              "3/7");                                     // the only one that is not awaited
-    EXPECT_EQ(station.next(CheckReads::ANSWERED), "4/7"); // at least not the one before
-    EXPECT_EQ(station.next(CheckReads::EXCEPTION), "3/9");
-    EXPECT_EQ(station.next(CheckReads::ANSWERED), "3/7"); // other registers are tried first
+              "3/7"); // the only one that is not awaited
+    // Everything is awaited: its answer leaves the fewest open requests.
+    EXPECT_EQ(station.next(CheckReads::ANSWERED), "3/7");
 }
 
 TEST(CheckReads, EndAfterManyExceptions)
@@ -138,7 +137,7 @@ TEST(CheckReads, EndAfterManyExceptions)
     for (int i = 0; i < 20; ++i) {
         EXPECT_TRUE(station.checks.arePossible(1)) << i;
         frames.insert(station.checks.next(1, station.open, {}).frame);
-        station.checks.ended(1, CheckReads::EXCEPTION);
+        station.checks.ended(1, CheckReads::EXCEPTION, true);
     }
     EXPECT_FALSE(station.checks.arePossible(1));
     EXPECT_GE(frames.size(), 2U); // other registers were tried
@@ -162,6 +161,8 @@ public:
         }
     }
 
+    void restart() { m_schedule.restart(); }
+
     void runFor(std::chrono::seconds time, bool isAnyOnline)
     {
         for (const Clock::time_point end = m_now + time; m_now < end;) {
@@ -172,7 +173,7 @@ public:
             }
             const Clock::time_point begin = m_now;
             m_now += probe->responseTimeout + milliseconds(7); // frame gap and request
-            m_schedule.ended(*probe, begin, m_now);
+            m_schedule.ended(*probe, begin, m_now, isAnyOnline);
             probes.push_back({*probe, begin, m_now});
         }
     }
@@ -270,11 +271,22 @@ TEST(ProbeSchedule, StartsAgainAtOnce)
         schedule.set(1, {milliseconds(500), milliseconds(3)});
         const Clock::time_point begin = Clock::now();
         const Clock::time_point later = begin + milliseconds(400); // the first pause is longer
-        schedule.ended(*schedule.due(true, begin), begin, begin + milliseconds(1));
+        schedule.ended(*schedule.due(true, begin), begin, begin + milliseconds(1), true);
         if (isRestarted)
             schedule.restart();
         EXPECT_EQ(schedule.due(true, later).has_value(), isRestarted);
     }
+}
+
+// Probes while no station was online took nobody's time.
+TEST(ProbeSchedule, GoesOnWhenOneStationOfAllIsBack)
+{
+    ProbedLine line(10, 0, 500);
+    line.runFor(std::chrono::seconds(120), false);
+    line.restart();
+    const size_t before = line.probes.size();
+    line.runFor(std::chrono::seconds(15), true);
+    EXPECT_GE(line.probes.size(), before + 10);
 }
 
 TEST(ProbeSchedule, WaitsThreeTimesTheSlowestResponse)

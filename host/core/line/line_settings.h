@@ -19,7 +19,7 @@ struct LineSettings {
     int stopBits = 1;                 ///< 1 or 2
     int responseTimeout = 500;        ///< milliseconds
     int interCharacterTimeout = 50;   ///< milliseconds; a USB adapter delivers bytes every 16 ms
-    std::optional<int> guardTime;     ///< milliseconds; default: responseTimeout
+    std::optional<int> guardTime;     ///< milliseconds; default: by station
     /// Microseconds. The frame gap is never shorter than 3.5 characters.
     int minFrameGap = 0;
     Rs485 rs485 = Rs485::OFF;

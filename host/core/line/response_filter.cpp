@@ -104,9 +104,9 @@ void ResponseFilter::drop(int count, bool isFrame)
     m_bytes.remove(0, count);
     m_begin = m_arrival;
     if (!isFrame && m_mayJoinNoise)
-        m_dropped.back() = {m_dropped.back().bytes + bytes, m_arrival};
+        m_dropped.back() = {m_dropped.back().bytes + bytes, m_arrival, false};
     else
-        m_dropped.push_back({bytes, m_arrival});
+        m_dropped.push_back({bytes, m_arrival, isFrame});
     m_mayJoinNoise = !isFrame;
 }
 

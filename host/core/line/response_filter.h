@@ -21,6 +21,7 @@ public:
     struct Dropped {
         QByteArray bytes;
         Clock::time_point arrival; ///< of the last byte
+        bool isFrame = false;      ///< a whole frame
     };
 
     /// For the time between two exchanges: no frame is a response. `judge` is the caller's and

@@ -55,6 +55,7 @@ Exchange SerialLine::exchange(const QByteArray &frame, int replyLength, const Ex
 {
     forgetRest();
     send(frame);
+    m_asked = byteAt(frame, 0);
     m_hasReceived = false;
     m_isCuttable = byteAt(frame, 1) <= READ_INPUT_REGISTERS;
     ResponseFilter filter(m_judge, frame, replyLength);
@@ -65,7 +66,8 @@ Exchange SerialLine::exchange(const QByteArray &frame, int replyLength, const Ex
         exchange = receive(filter, times);
     m_isCuttable = true;
     m_taps.received(exchange.reply, filter.lastArrival());
-    exchange.isQuiet = !m_hasReceived;
+    exchange.isQuiet =
+        !m_hasReceived && exchange.reply.isEmpty() && exchange.outcome == Exchange::NO_RESPONSE;
     hear(m_between, filter.takeRest());
     if (exchange.outcome != Exchange::COMPLETE)
         listen(
@@ -98,7 +100,6 @@ Exchange::Outcome SerialLine::takeEcho(const QByteArray &frame, ResponseFilter &
         m_taps.dropped(echo, Clock::now());
         return Exchange::COLLISION;
     }
-    m_hasReceived = echo.size() > frame.size();
     hear(filter, echo.mid(frame.size()));
     return Exchange::NO_RESPONSE;
 }
@@ -144,14 +145,16 @@ void SerialLine::awaitResponse(ResponseFilter &filter, Clock::time_point deadlin
 void SerialLine::collectRest(ResponseFilter &filter, Clock::time_point deadline)
 {
     const int pause = interCharacterTimeout(m_settings);
-    const Clock::time_point end = Clock::now() + longestFrameTime(m_settings);
+    Clock::time_point end = Clock::now() + longestFrameTime(m_settings);
     while (!filter.isComplete() && Clock::now() < end) {
         const QByteArray bytes = read(pause);
         if (bytes.isEmpty())
             return;
         hear(filter, bytes);
-        if (!filter.hasBegun()) // the bytes were a late response to another request
-            awaitResponse(filter, deadline);
+        if (filter.hasBegun())
+            continue;
+        awaitResponse(filter, deadline); // the bytes were a late response to another request
+        end = Clock::now() + longestFrameTime(m_settings);
     }
 }
 
@@ -181,8 +184,12 @@ void SerialLine::hear(ResponseFilter &filter, const QByteArray &bytes)
         filter.add(bytes, Clock::now());
     else if (Clock::now() >= pause)
         filter.gap();
-    for (const ResponseFilter::Dropped &dropped : filter.takeDropped())
+    for (const ResponseFilter::Dropped &dropped : filter.takeDropped()) {
         m_taps.dropped(dropped.bytes, dropped.arrival);
+        // Another station that is late does not show that this one is there.
+        const bool isOfAnother = dropped.isFrame && byteAt(dropped.bytes, 0) != m_asked;
+        m_hasReceived = m_hasReceived || !isOfAnother;
+    }
 }
 
 // What is still incomplete before a request is noise.
@@ -197,7 +204,6 @@ QByteArray SerialLine::read(int timeout)
     if (bytes.isEmpty())
         return bytes;
     m_lastByte = std::max(m_lastByte, Clock::now());
-    m_hasReceived = true;
     return bytes;
 }
 

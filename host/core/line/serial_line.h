@@ -36,7 +36,7 @@ struct Exchange {
     QByteArray reply; ///< the response, for DataCom; empty if there is none
     /// From the last byte of the request to the first byte of the response; 0 if there is none.
     microseconds responseTime = {};
-    bool isQuiet = true; ///< no byte was received
+    bool isQuiet = true; ///< nothing was received, except frames of other stations
 };
 
 /// The thread that constructs the line uses it.
@@ -82,6 +82,7 @@ private:
     SerialPort m_port;
     ResponseFilter m_between;     // bytes received between two exchanges
     Clock::time_point m_lastByte; // sent or received
+    int m_asked = 0;              // the station of the request
     bool m_hasReceived = false;   // since the request was sent
     bool m_isCuttable = true;     // no response to a write is awaited
 };

@@ -182,12 +182,16 @@ void CommunicationLoop::judge(const Protocol &request, const StationTalk::Result
         return; // the request ends with the loop
     }
     const QByteArray reply = isRequest ? result.exchange.reply : QByteArray();
-    const Verdict verdict =
+    Verdict verdict =
         verdictOn(result.request, result.exchange, m_driver.judge(request, reply, false));
+    if (!isRequest && result.isGood) {
+        verdict.kind = Verdict::NO_REPLY;
+        verdict.text = "no response that can be trusted yet";
+    }
     m_taps.judged(verdict.text + (isRequest ? "" : " (check read)")
                   + (verdict.repeats ? ", will be repeated" : ""));
     m_status.count(station, verdict, result.exchange);
-    m_watch.exchangeEnded(station, verdict, result.exchange.isQuiet);
+    m_watch.exchangeEnded(request.var, verdict, result.exchange.isQuiet);
     noteEnd(request, verdict, true);
     settleWrites(verdict, m_stations.isOnline(station));
 }
@@ -266,8 +270,9 @@ void CommunicationLoop::noteEnd(const Protocol &request, const Verdict &verdict,
     m_watch.requestEnded(request.var);
     if (request.var.ownerTag != DriverLink::CYCLIC_OWNER_TAG)
         return;
-    if (isSent)
-        m_status.readEnded(request.var.station, spanOf(request.var), verdict);
+    if (!isSent)
+        return;
+    m_status.readEnded(request.var.station, spanOf(request.var), verdict);
     m_cycle.ended(request.var);
     if (!m_cycle.isComplete(m_stations))
         return;

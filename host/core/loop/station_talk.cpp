@@ -34,6 +34,7 @@ Protocol protocolOf(int station, const CheckReads::Read &read)
 void StationTalk::load(const Link &link, const std::vector<PlannedRequest> &plan)
 {
     m_link = &link;
+    m_open.setLine(link.line);
     m_checks.load(link, plan);
 }
 
@@ -49,8 +50,10 @@ StationTalk::Result StationTalk::ask(const Protocol &request)
     if (m_checks.arePossible(station))
         return exchange(CHECK_READ, protocolOf(station, m_checks.next(station, m_open, response)),
                         times);
-    if (!isTrusted)
+    if (!isTrusted) {
         awaitOldAnswers(station);
+        m_port.awaitFrameGap();
+    }
     return exchange(REQUEST, request, times);
 }
 
@@ -89,8 +92,12 @@ StationTalk::Result StationTalk::exchange(Kind kind, const Protocol &request,
         return result;
     }
     const CheckReads::Result checked = resultOf(request, latest);
-    m_checks.ended(request.var.station, checked);
-    result.isAnswered = checked != CheckReads::UNANSWERED && ++m_checksInRow % MAX_CHECKS != 0;
+    const bool isOpen = m_open.isOpen(request.var.station);
+    m_checks.ended(request.var.station, checked, isOpen);
+    // An exception response that several requests could have had answers none of them.
+    const bool isTaken =
+        checked == CheckReads::ANSWERED || (checked == CheckReads::EXCEPTION && !isOpen);
+    result.isAnswered = isTaken && ++m_checksInRow % MAX_CHECKS != 0;
     return result;
 }
 

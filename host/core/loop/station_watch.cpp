@@ -74,11 +74,14 @@ std::optional<Probe> StationWatch::dueProbe()
 
 void StationWatch::probeEnded(const Probe &probe, Clock::time_point begin, bool isAnswered)
 {
-    m_schedule.ended(probe, begin, Clock::now());
+    const bool wasAnyOnline = isAnyOnline();
+    m_schedule.ended(probe, begin, Clock::now(), wasAnyOnline);
     m_sinceProbe.restart();
     if (!isAnswered)
         return;
     m_schedule.remove(probe.station);
+    if (!wasAnyOnline)
+        m_schedule.restart(); // the others may be back as well
     const Clock::duration absence = m_states.takeOnline(probe.station);
     m_reporter.report(Event::STATION_ONLINE, std::to_string(probe.station),
                       "it responds again after " + secondsText(absence));
@@ -86,17 +89,22 @@ void StationWatch::probeEnded(const Probe &probe, Clock::time_point begin, bool 
 
 milliseconds StationWatch::untilNextProbe() const
 {
+    if (m_schedule.isEmpty())
+        return milliseconds::max();
     return milliseconds(millisecondsUntil(m_schedule.nextUrgent()));
 }
 
 // A station goes offline only if no byte was received in any attempt, not even noise or a foreign
 // frame.
-void StationWatch::exchangeEnded(int station, const Verdict &verdict, bool isQuiet)
+void StationWatch::exchangeEnded(const RW_VAR &request, const Verdict &verdict, bool isQuiet)
 {
+    const int station = request.station;
     m_hasReceived = m_hasReceived || !isQuiet || verdict.kind != Verdict::NO_REPLY;
     if (!m_states.isOnline(station) || verdict.repeats || m_hasReceived || !isInLink(station))
         return;
-    m_states.beginClearing(station, m_driver.queuedWrites());
+    // A write that has just been given up has left the queue, and its end is still to be noted.
+    const int ended = request.ownerTag >= 0 ? 1 : 0;
+    m_states.beginClearing(station, m_driver.queuedWrites() + ended);
     m_reporter.report(Event::STATION_OFFLINE, std::to_string(station),
                       "no response; it is probed from time to time");
 }

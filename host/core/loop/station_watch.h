@@ -53,7 +53,7 @@ public:
 
     /// Called after each exchange of the driver's request, or of a check read that was not answered.
     /// Decides whether the station goes offline. `isQuiet`: no byte was received.
-    void exchangeEnded(int station, const Verdict &verdict, bool isQuiet);
+    void exchangeEnded(const RW_VAR &request, const Verdict &verdict, bool isQuiet);
 
     /// Stations have sent whole frames. For those that are offline, a probe is due at once.
     void heard(const std::set<int> &stations);

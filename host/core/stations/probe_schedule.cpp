@@ -28,7 +28,7 @@ const int SLOWNESS = 3;          // times the slowest response
 const milliseconds OVERHEAD(10); // of a probe: frame gap, request
 const int FULL_EACH = 10;
 
-// A full probe that waits longer goes before the short ones.
+// A full probe of a station that never answered and waits longer goes before the short ones.
 const std::chrono::minutes LONGEST_WAIT(4);
 
 const milliseconds INTERVAL_WHILE_NONE_IS_ONLINE(500);
@@ -130,17 +130,12 @@ Clock::time_point ProbeSchedule::nextUrgent() const
     return m_lastBegin + INTERVAL_WHILE_NONE_IS_ONLINE;
 }
 
-void ProbeSchedule::ended(const Probe &probe, Clock::time_point begin, Clock::time_point end)
+void ProbeSchedule::ended(const Probe &probe, Clock::time_point begin, Clock::time_point end,
+                          bool isAnyOnline)
 {
-    const Seconds cost = end - begin;
     m_lastBegin = begin;
-    while (!m_spent.empty() && m_spent.front().end < end - MINUTE)
-        m_spent.pop_front();
-    m_spent.push_back({end, end - begin});
-    if (probe.isFull)
-        m_nextFull = end + toDuration(cost * (Seconds(MINUTE) / restForFullProbes()));
-    else
-        m_nextShort = begin + toDuration(shortInterval(cost));
+    if (isAnyOnline)
+        spend(probe, begin, end);
     const auto place = m_stations.find(probe.station);
     if (place == m_stations.end())
         return;
@@ -150,6 +145,18 @@ void ProbeSchedule::ended(const Probe &probe, Clock::time_point begin, Clock::ti
     station.probes = probe.isFull ? 0 : station.probes + 1;
     if (probe.isFull)
         station.lastFull = end;
+}
+
+void ProbeSchedule::spend(const Probe &probe, Clock::time_point begin, Clock::time_point end)
+{
+    const Seconds cost = end - begin;
+    while (!m_spent.empty() && m_spent.front().end < end - MINUTE)
+        m_spent.pop_front();
+    m_spent.push_back({end, end - begin});
+    if (probe.isFull)
+        m_nextFull = end + toDuration(cost * (Seconds(MINUTE) / restForFullProbes()));
+    else
+        m_nextShort = begin + toDuration(shortInterval(cost));
 }
 
 int ProbeSchedule::answeredStations() const
@@ -205,7 +212,7 @@ bool ProbeSchedule::isFullOverdue(Clock::time_point now) const
 {
     return now > m_nextFull + LONGEST_WAIT
            && std::any_of(m_stations.begin(), m_stations.end(), [&](const auto &place) {
-                  return wantsFull(place.second) && now >= place.second.due;
+                  return !place.second.times.slowest && now >= place.second.due;
               });
 }
 

@@ -43,8 +43,12 @@ public:
     /// Returns when the next probe is due if no station is online.
     Clock::time_point nextUrgent() const;
 
-    /// The probe has ended: it occupied the line from `begin` to `end`.
-    void ended(const Probe &probe, Clock::time_point begin, Clock::time_point end);
+    /// The probe has ended: it occupied the line from `begin` to `end`. Its time counts only if it
+    /// was that of a station that is online.
+    void ended(const Probe &probe, Clock::time_point begin, Clock::time_point end,
+               bool isAnyOnline);
+
+    bool isEmpty() const { return m_stations.empty(); }
 
 private:
     using Seconds = std::chrono::duration<double>;
@@ -57,6 +61,8 @@ private:
         Clock::time_point due;
         int probes = 0; // since the latest full one
     };
+    void spend(const Probe &probe, Clock::time_point begin, Clock::time_point end);
+
     struct Spent {
         Clock::time_point end;
         Clock::duration cost;

@@ -46,10 +46,7 @@ int countAt(int index, int count)
 
 void CheckReads::load(const Link &link, const std::vector<PlannedRequest> &plan)
 {
-    for (auto &place : m_stations) {
-        place.second.blocks.clear();
-        place.second.isPolled = false;
-    }
+    m_stations.clear();
     for (const PlannedRequest &request : plan) {
         Station &station = m_stations[request.var.station];
         const int first = byteAt(request.frame, 2) << BYTE_BITS | byteAt(request.frame, 3);
@@ -87,21 +84,38 @@ CheckReads::Read CheckReads::next(int station, const OpenRequests &open,
         && open.awaits(station, known.last->response()))
         return *known.last;
     const std::optional<ResponseShape> latest = open.latestFrame(station);
-    const std::array<Condition, 4> conditions = {
+    const std::array<Condition, 3> conditions = {
         [&](const ResponseShape &shape) {
             return !open.awaits(station, shape) && shape != waiting && shape != latest;
         },
         [&](const ResponseShape &shape) {
             return !open.awaits(station, shape) && shape != waiting;
         },
-        [&](const ResponseShape &shape) { return !open.awaits(station, shape); },
-        [&](const ResponseShape &shape) { return known.last && shape != known.last->response(); }};
+        [&](const ResponseShape &shape) { return !open.awaits(station, shape); }};
     std::optional<Read> read;
     for (size_t i = 0; i < conditions.size() && !read; ++i)
         read = find(station, known, conditions.at(i));
-    known.last = read ? read : find(station, known, [](const ResponseShape &) { return true; });
+    known.last = read ? read : mostTelling(station, known, open);
     known.lastResult = UNANSWERED;
     return *known.last;
+}
+
+// Its first open request is the latest one. A response is taken for this request, and those before
+// it are no longer open then.
+CheckReads::Read CheckReads::mostTelling(int number, const Station &station,
+                                         const OpenRequests &open)
+{
+    std::optional<ResponseShape> best;
+    size_t latest = 0;
+    find(number, station, [&](const ResponseShape &shape) {
+        const size_t position = open.firstPosition(number, shape);
+        if (!best || position > latest) {
+            best = shape;
+            latest = position;
+        }
+        return false;
+    });
+    return *find(number, station, [&](const ResponseShape &shape) { return shape == best; });
 }
 
 CheckReads::Read CheckReads::probe(int station, const OpenRequests &open)
@@ -109,15 +123,16 @@ CheckReads::Read CheckReads::probe(int station, const OpenRequests &open)
     return next(station, open, ResponseShape());
 }
 
-void CheckReads::ended(int station, Result result)
+void CheckReads::ended(int station, Result result, bool isOpen)
 {
     Station &known = m_stations.at(station);
     known.lastResult = result;
-    if (result == UNANSWERED)
+    if (!isOpen)
+        known.exceptionsInRow = 0;
+    if (result != EXCEPTION)
         return;
-    known.exceptionsInRow = result == EXCEPTION ? known.exceptionsInRow + 1 : 0;
-    if (result == EXCEPTION) // other registers may be readable
-        known.firstBlock = (known.firstBlock + 1) % known.blocks.size();
+    ++known.exceptionsInRow;
+    known.firstBlock = (known.firstBlock + 1) % known.blocks.size(); // others may be readable
 }
 
 // Returns the first wanted read of the beginning of a block.

@@ -47,8 +47,8 @@ public:
     /// a variable.
     Read probe(int station, const OpenRequests &open);
 
-    /// Notes the result of the read that was returned last.
-    void ended(int station, Result result);
+    /// Notes the result of the read that was returned last. `isOpen`: a request is still open.
+    void ended(int station, Result result, bool isOpen);
 
 private:
     /// Registers that one request reads.
@@ -69,6 +69,8 @@ private:
 
     using Condition = std::function<bool(const ResponseShape &)>;
 
+    /// Returns the read whose answer would leave the fewest open requests.
+    static Read mostTelling(int number, const Station &station, const OpenRequests &open);
     static std::optional<Read> find(int number, const Station &station, const Condition &isWanted);
 
     std::map<int, Station> m_stations; // by number

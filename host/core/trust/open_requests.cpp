@@ -27,13 +27,13 @@ void OpenRequests::begin(const QByteArray &request, int responseLength, Purpose 
     m_purpose = purpose;
     Station &station = m_stations[*m_asked];
     station.lastSent = Clock::now();
-    const Entry entry{shapeOfResponse(request, responseLength), registersIn(request), 1};
+    const Entry entry{shapeOfResponse(request, responseLength), registersIn(request), 0, {}};
     Entries &open = station.open;
-    if (!open.empty() && open.back().response == entry.response
-        && open.back().registers == entry.registers)
-        ++open.back().count;
-    else
+    if (open.empty() || open.back().response != entry.response
+        || open.back().registers != entry.registers)
         open.push_back(entry);
+    ++open.back().count;
+    open.back().sent = Clock::now() + wireTime(m_line, request.size());
 }
 
 std::optional<ResponseShape> OpenRequests::end()
@@ -56,8 +56,9 @@ bool OpenRequests::isResponse(const QByteArray &frame, Clock::time_point arrival
         noteStray(station, shape);
         return false;
     }
-    const auto delay = std::chrono::ceil<milliseconds>(arrival - *station.lastSent);
-    station.slowest = std::max(station.slowest.value_or(delay), delay);
+    const auto delay =
+        std::chrono::ceil<milliseconds>(arrival - wireTime(m_line, frame.size()) - place->sent);
+    station.slowest = std::max({station.slowest.value_or(delay), delay, milliseconds(0)});
     const bool isLastOfPlace = --place->count == 0;
     station.open.erase(station.open.begin(), isLastOfPlace ? std::next(place) : place);
     if (!station.open.empty())
@@ -79,6 +80,12 @@ bool OpenRequests::isUntrusted(int station, const ResponseShape &response) const
     return known.stray && !isCopyOfCheck;
 }
 
+bool OpenRequests::isOpen(int station) const
+{
+    const auto place = m_stations.find(station);
+    return place != m_stations.end() && !place->second.open.empty();
+}
+
 void OpenRequests::forget(int station)
 {
     m_stations[station].open.clear();
@@ -89,8 +96,18 @@ bool OpenRequests::awaits(int station, const ResponseShape &response) const
 {
     const auto place = m_stations.find(station);
     return place != m_stations.end()
-           && std::any_of(place->second.open.begin(), place->second.open.end(),
-                          [&](const Entry &entry) { return entry.response == response; });
+           && firstPosition(station, response) < place->second.open.size();
+}
+
+size_t OpenRequests::firstPosition(int station, const ResponseShape &response) const
+{
+    const auto place = m_stations.find(station);
+    if (place == m_stations.end())
+        return 0;
+    const Entries &open = place->second.open;
+    const auto first = std::find_if(open.begin(), open.end(),
+                                    [&](const Entry &entry) { return entry.response == response; });
+    return static_cast<size_t>(first - open.begin());
 }
 
 std::optional<ResponseShape> OpenRequests::latestFrame(int station) const

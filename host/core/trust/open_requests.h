@@ -3,11 +3,13 @@
 #pragma once
 
 #include "host/core/line/frame_judge.h"
+#include "host/core/line/line_settings.h"
 #include "host/core/line/line_times.h"
 #include "host/core/trust/response_shape.h"
 
 #include <QByteArray>
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <set>
@@ -22,6 +24,9 @@ class OpenRequests : public FrameJudge
 {
 public:
     enum Purpose { REQUEST, CHECK_READ };
+
+    /// Sets the line, for the times of requests and responses on it.
+    void setLine(const LineSettings &line) { m_line = line; }
 
     /// A request is about to be sent. Its response is awaited until end(). `responseLength`: bytes
     /// of a good response.
@@ -42,16 +47,22 @@ public:
     /// untrusted. So a copy of the answer to a check read counts only for the same shape.
     bool isUntrusted(int station, const ResponseShape &response) const;
 
+    /// True if a request to the station may still be answered.
+    bool isOpen(int station) const;
+
     /// Forgets the open requests of a station. For a station that cannot be checked.
     void forget(int station);
 
     /// True if an open request awaits a response of this shape.
     bool awaits(int station, const ResponseShape &response) const;
+    /// Position of the first one among the open requests, from the oldest one; their number if there
+    /// is none.
+    size_t firstPosition(int station, const ResponseShape &response) const;
     /// The shape of the latest frame of a station. No value if there is none.
     std::optional<ResponseShape> latestFrame(int station) const;
 
-    /// The longest time between the latest request and a response of the station, also a late one.
-    /// No value if it never answered.
+    /// The longest response time of the station, also of a late response. No value if it never
+    /// answered.
     std::optional<milliseconds> slowestResponse(int station) const;
 
     /// When the latest request was sent to a station. No value if none was.
@@ -63,8 +74,9 @@ public:
 private:
     struct Entry {
         ResponseShape response;
-        QByteArray registers; // of a write: address and count, which its response repeats
-        int count;            // equal requests in a row
+        QByteArray registers;   // of a write: address and count, which its response repeats
+        int count;              // equal requests in a row
+        Clock::time_point sent; // the latest of them, when its last byte was sent
     };
     using Entries = std::vector<Entry>;
 
@@ -83,6 +95,7 @@ private:
     static void noteStray(Station &station, const ResponseShape &stray);
     static void noteTrust(Station &station, const ResponseShape &answer, bool isCheck);
 
+    LineSettings m_line;
     std::map<int, Station> m_stations; // by number
     std::optional<int> m_asked;        // the station of the exchange in progress
     std::optional<ResponseShape> m_latestOfAsked;
