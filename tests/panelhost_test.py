@@ -424,6 +424,9 @@ class PanelhostTest(unittest.TestCase):
             table.wait("values 1 to ")
             self.assertIn(alternate, table.shown)
             self.assertFalse(table.takes_lines())
+            table.type("\x1b[B")
+            table.wait("values 2 to ")
+            self.assertRegex(table.shown, r"[^H]\x1b\[K\x1b\[\d+;1Hvalues 2 to ")  # no row above it is empty
             table.type("\x1b[F")
             table.wait("to 40 of 40")
             table.type("/.17.")
