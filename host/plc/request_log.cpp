@@ -3,8 +3,6 @@
 namespace velko
 {
 
-using Clock = std::chrono::steady_clock;
-
 uint64_t RequestLog::add(Clock::time_point arrival, const QByteArray &frame)
 {
     if (m_requests.size() == MAX_REQUESTS) {

@@ -1,9 +1,10 @@
 // The requests that a simulated line has received.
 #pragma once
 
+#include "host/core/line/clock.h"
+
 #include <QByteArray>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -14,9 +15,9 @@ namespace velko
 
 /// A request as it arrived, to any station.
 struct SeenRequest {
-    std::chrono::steady_clock::time_point arrival; ///< of its first byte
-    std::chrono::steady_clock::time_point end;     ///< of the last byte of the response;
-                                                   ///< without a response, of its processing
+    Clock::time_point arrival; ///< of its first byte
+    Clock::time_point end;     ///< of the last byte of the response; without a response, of its
+                               ///< processing
     QByteArray frame;
 };
 
@@ -27,7 +28,7 @@ public:
     static const size_t MAX_REQUESTS = 100000; ///< if there are more, the oldest are removed
 
     /// Returns the entry number of the request, for `noteEnd`.
-    uint64_t add(std::chrono::steady_clock::time_point arrival, const QByteArray &frame);
+    uint64_t add(Clock::time_point arrival, const QByteArray &frame);
 
     /// Sets the end of the request to now, unless it was removed.
     void noteEnd(uint64_t entry);

@@ -16,7 +16,6 @@ namespace velko
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
@@ -26,10 +25,10 @@ constexpr milliseconds STOP_CHECK(20);
 
 } // namespace
 
-bool SimulatedLine::waitForInput() const
+bool SimulatedLine::waitForInput(const Outbox &outbox) const
 {
-    const TimePoint now = Clock::now();
-    TimePoint until = std::min(now + STOP_CHECK, m_outbox.nextDue(now + STOP_CHECK));
+    const Clock::time_point now = Clock::now();
+    Clock::time_point until = std::min(now + STOP_CHECK, outbox.nextDue(now + STOP_CHECK));
     if (!m_incoming.frame.isEmpty())
         until = std::min(until, m_lastByte + SILENCE);
     const nanoseconds wait = std::max<nanoseconds>(until - now, nanoseconds(0));

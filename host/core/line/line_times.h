@@ -1,6 +1,7 @@
 // Times on a serial line.
 #pragma once
 
+#include "host/core/line/clock.h"
 #include "host/core/line/line_settings.h"
 
 #include <chrono>
@@ -8,7 +9,6 @@
 namespace velko
 {
 
-using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 

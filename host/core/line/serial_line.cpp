@@ -4,7 +4,7 @@
 #include "host/core/sizes/frames.h"
 
 #include <algorithm>
-#include <thread>
+#include <utility>
 
 namespace velko
 {
@@ -28,13 +28,13 @@ const int CUT_INTERVAL = 250; // milliseconds between looks whether a read must 
 
 } // namespace
 
-SerialLine::SerialLine(const LineSettings &settings, const LineTaps &taps, FrameJudge &judge,
-                       const ReadCut &cut, const AdapterIdentity &lastSeen)
-    : m_settings(settings),
+SerialLine::SerialLine(std::unique_ptr<BytePort> port, const LineSettings &settings,
+                       const LineTaps &taps, FrameJudge &judge, const ReadCut &cut)
+    : m_port(std::move(port)),
+      m_settings(settings),
       m_taps(taps),
       m_judge(judge),
       m_cut(cut),
-      m_port(settings, lastSeen),
       m_between(judge),
       m_lastByte(Clock::now())
 {
@@ -43,7 +43,7 @@ SerialLine::SerialLine(const LineSettings &settings, const LineTaps &taps, Frame
 void SerialLine::awaitFrameGap()
 {
     for (int i = 0; i < MAX_DISCARDS; ++i) {
-        std::this_thread::sleep_until(m_lastByte + frameGap(m_settings));
+        Clock::sleepUntil(m_lastByte + frameGap(m_settings));
         const QByteArray late = read(0);
         if (late.isEmpty())
             return;
@@ -79,7 +79,7 @@ Exchange SerialLine::exchange(const QByteArray &frame, int replyLength, const Ex
 void SerialLine::send(const QByteArray &frame)
 {
     m_taps.sent(frame, Clock::now());
-    m_port.write(frame);
+    m_port->write(frame);
     m_lastByte = Clock::now() + wireTime(m_settings, frame.size());
 }
 
@@ -200,7 +200,7 @@ void SerialLine::forgetRest()
 
 QByteArray SerialLine::read(int timeout)
 {
-    QByteArray bytes = m_port.read(timeout);
+    QByteArray bytes = m_port->read(timeout);
     if (bytes.isEmpty())
         return bytes;
     m_lastByte = std::max(m_lastByte, Clock::now());

@@ -1,17 +1,17 @@
 // A serial line: one request and its response at a time, with the frame gaps between them.
 #pragma once
 
+#include "host/core/line/byte_port.h"
 #include "host/core/line/frame_judge.h"
 #include "host/core/line/line_settings.h"
 #include "host/core/line/line_tap.h"
 #include "host/core/line/line_times.h"
-#include "host/core/line/port_finder.h"
 #include "host/core/line/read_cut.h"
 #include "host/core/line/response_filter.h"
-#include "host/core/line/serial_port.h"
 
 #include <QByteArray>
 
+#include <memory>
 #include <string>
 
 namespace velko
@@ -43,10 +43,9 @@ struct Exchange {
 class SerialLine
 {
 public:
-    /// Opens the port; `lastSeen` as in findPort. `taps`, `judge` and `cut` are the caller's and
-    /// outlive the line. Throws PortError.
-    SerialLine(const LineSettings &settings, const LineTaps &taps, FrameJudge &judge,
-               const ReadCut &cut, const AdapterIdentity &lastSeen = {});
+    /// `taps`, `judge` and `cut` are the caller's and outlive the line.
+    SerialLine(std::unique_ptr<BytePort> port, const LineSettings &settings, const LineTaps &taps,
+               FrameJudge &judge, const ReadCut &cut);
 
     /// Waits for the frame gap. The judge sees every whole frame that was received since the last
     /// exchange, so the caller can choose the next request by it. Throws PortError.
@@ -61,7 +60,7 @@ public:
     Exchange exchange(const QByteArray &frame, int replyLength, const ExchangeTimes &times);
 
     /// The device that is open.
-    const std::string &device() const { return m_port.device(); }
+    const std::string &device() const { return m_port->device(); }
 
 private:
     void send(const QByteArray &frame);
@@ -75,11 +74,11 @@ private:
     void forgetRest();
     QByteArray read(int timeout);
 
+    const std::unique_ptr<BytePort> m_port;
     const LineSettings m_settings;
     const LineTaps &m_taps;
     FrameJudge &m_judge;
     const ReadCut &m_cut;
-    SerialPort m_port;
     ResponseFilter m_between;     // bytes received between two exchanges
     Clock::time_point m_lastByte; // sent or received
     int m_asked = 0;              // the station of the request

@@ -60,6 +60,12 @@ std::string adviceOn(const QSerialPort &port)
 
 } // namespace
 
+std::unique_ptr<BytePort> SerialPort::open(const LineSettings &settings,
+                                           const AdapterIdentity &lastSeen)
+{
+    return std::unique_ptr<BytePort>(new SerialPort(settings, lastSeen));
+}
+
 SerialPort::SerialPort(const LineSettings &settings, const AdapterIdentity &lastSeen)
     : m_device(findPort(settings.devices, lastSeen))
 {

@@ -41,13 +41,14 @@ RegisterSpan spanOf(const RW_VAR &request)
 
 CommunicationLoop::CommunicationLoop(const std::string &libraryFile, const Link &link,
                                      const std::vector<PlannedRequest> &plan,
-                                     const std::vector<LineTap *> &taps, EventSink &sink)
+                                     const std::vector<LineTap *> &taps, EventSink &sink,
+                                     const PortOpener &opener)
     : m_taps{link.name, taps},
       m_reporter(link.name, sink),
       m_driver(libraryFile),
       m_stations(m_driver.driver()),
       m_status(m_stations),
-      m_port(m_taps, m_open, m_readCut, m_reporter, m_status),
+      m_port(opener, m_taps, m_open, m_readCut, m_reporter, m_status),
       m_talk(m_port, m_open),
       m_watch(m_driver, m_stations, m_open, m_reporter),
       m_writes(m_driver, m_stations, m_reporter)

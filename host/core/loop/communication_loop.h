@@ -6,8 +6,10 @@
 #include "host/core/events/event.h"
 #include "host/core/events/reporter.h"
 #include "host/core/events/verdict.h"
+#include "host/core/line/byte_port.h"
 #include "host/core/line/line_tap.h"
 #include "host/core/line/line_times.h"
+#include "host/core/line/serial_port.h"
 #include "host/core/links/link.h"
 #include "host/core/loop/cycle_counter.h"
 #include "host/core/loop/link_port.h"
@@ -39,7 +41,7 @@ public:
     /// `sink` are the caller's and outlive the loop. Throws std::runtime_error.
     CommunicationLoop(const std::string &libraryFile, const Link &link,
                       const std::vector<PlannedRequest> &plan, const std::vector<LineTap *> &taps,
-                      EventSink &sink);
+                      EventSink &sink, const PortOpener &opener = SerialPort::open);
 
     /// Opens the port. Throws PortError.
     void open();

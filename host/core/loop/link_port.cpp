@@ -16,9 +16,10 @@ const milliseconds LONGEST_PAUSE(5000);
 
 } // namespace
 
-LinkPort::LinkPort(const LineTaps &taps, FrameJudge &judge, const ReadCut &cut,
-                   const Reporter &reporter, LinkStatus &status)
-    : m_taps(taps),
+LinkPort::LinkPort(const PortOpener &opener, const LineTaps &taps, FrameJudge &judge,
+                   const ReadCut &cut, const Reporter &reporter, LinkStatus &status)
+    : m_opener(opener),
+      m_taps(taps),
       m_judge(judge),
       m_cut(cut),
       m_reporter(reporter),
@@ -39,7 +40,8 @@ bool LinkPort::setSettings(const LineSettings &settings)
 void LinkPort::open()
 {
     try {
-        m_line = std::make_unique<SerialLine>(m_settings, m_taps, m_judge, m_cut, m_adapter);
+        m_line = std::make_unique<SerialLine>(m_opener(m_settings, m_adapter), m_settings, m_taps,
+                                              m_judge, m_cut);
     } catch (const PortError &error) {
         if (m_status.portText() != error.what())
             m_reporter.report(Event::PORT_MISSING, joined(m_settings.devices),

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/core/events/reporter.h"
+#include "host/core/line/byte_port.h"
 #include "host/core/line/line_settings.h"
 #include "host/core/line/line_tap.h"
 #include "host/core/line/line_times.h"
@@ -22,9 +23,9 @@ namespace velko
 class LinkPort
 {
 public:
-    /// The arguments are the caller's and outlive this object.
-    LinkPort(const LineTaps &taps, FrameJudge &judge, const ReadCut &cut, const Reporter &reporter,
-             LinkStatus &status);
+    /// The arguments, except the first one, are the caller's and outlive this object.
+    LinkPort(const PortOpener &opener, const LineTaps &taps, FrameJudge &judge, const ReadCut &cut,
+             const Reporter &reporter, LinkStatus &status);
 
     /// Sets the settings for the next opening. Returns true if the port is open with other
     /// settings.
@@ -56,6 +57,7 @@ public:
     Exchange exchange(const Protocol &request, const ExchangeTimes &times);
 
 private:
+    const PortOpener m_opener;
     const LineTaps &m_taps;
     FrameJudge &m_judge;
     const ReadCut &m_cut;
