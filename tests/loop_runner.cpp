@@ -105,7 +105,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
     /// How many requests begin with these bytes, from the first one on.
     QString requests(const QByteArray &beginning, size_t first = 0)
     {
-        const std::vector<SeenRequest> seen = plc->requests();
+        const std::vector<SeenRequest> seen = plc.requests();
         m_seen = seen.size();
         return QString::number(std::count_if(
             seen.begin() + static_cast<ptrdiff_t>(first), seen.end(),
@@ -114,7 +114,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
 
     QString holdingRegister(Words &words) const
     {
-        const std::vector<uint16_t> memory = plc->holdingRegisters(words.number());
+        const std::vector<uint16_t> memory = plc.holdingRegisters(words.number());
         return QString::number(memory.at(static_cast<size_t>(words.number())));
     }
 
@@ -140,12 +140,9 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         {"closeAndOpen", [this](Words &) { loop->close("test"); loop->open(); return QString(); }},
         {"reload", [this](Words &) { reload(); return QString(); }},
         {"fault", [this](Words &w) { fault(qPrintable(w.rest())); return QString(); }},
-        {"turn", [this](Words &) { loop->turn(); return QString(); }},
+        {"turn", [this](Words &) { turn(); return QString(); }},
         {"turnFor", [this](Words &w) { turnFor(w.number()); return QString(); }},
-        {"pause", [](Words &w) {
-             QThread::msleep(static_cast<unsigned long>(w.number()));
-             return QString();
-         }},
+        {"pause", [](Words &w) { Clock::sleepUntil(Clock::now() + milliseconds(w.number())); return QString(); }},
         {"until", [this](Words &w) { return untilItGives(w); }},
         {"readAll", [this](Words &) { EXPECT_TRUE(readAll()); return QString(); }},
         {"writeAll", [this](Words &) { EXPECT_TRUE(writeAll()); return QString(); }},

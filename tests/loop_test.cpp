@@ -4,6 +4,8 @@
 
 #include "host/core/line/port_error.h"
 #include "host/core/line/replies.h"
+#include "host/core/line/serial_port.h"
+#include "host/plc/simulated_plc.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -46,10 +48,10 @@ TEST_F(LoopTest, EveryKindReadAndWritten)
     link.maxRegs = 32;
     start();
     ASSERT_TRUE(readAll());
-    std::vector<uint16_t> memory = plc->holdingRegisters(2);
+    std::vector<uint16_t> memory = plc.holdingRegisters(2);
     for (const Row &row : rows) {
         const uint32_t pair =
-            pairAt(row.newValue ? memory : plc->inputRegisters(2), row.wireRegister);
+            pairAt(row.newValue ? memory : plc.inputRegisters(2), row.wireRegister);
         EXPECT_EQ(value(row.place), "good " + std::to_string(pair >> row.shift & maskOf(row)));
     }
     for (const Row &row : rows) {
@@ -62,7 +64,7 @@ TEST_F(LoopTest, EveryKindReadAndWritten)
         memory[static_cast<size_t>(row.wireRegister) + 1] = static_cast<uint16_t>(pair >> 16);
     }
     EXPECT_TRUE(writeAll());
-    EXPECT_EQ(plc->holdingRegisters(2), memory); // all of it: a bit beside the right one would show
+    EXPECT_EQ(plc.holdingRegisters(2), memory); // all of it: a bit beside the right one would show
     ASSERT_TRUE(readAll() && readAll());
     for (const Row &row : rows) {
         if (row.newValue) {
@@ -111,14 +113,14 @@ TEST_F(LoopTest, ADeadStationDoesNotSlowTheOthers)
     EXPECT_EQ(value("s2"), "station offline 38793: no response");
 
     const int before = requestsTo(1);
-    const size_t seen = plc->requests().size();
+    const size_t seen = plc.requests().size();
     turnFor(1000);
     EXPECT_GT(requestsTo(1) - before, usual / 2);
     turnFor(1300);
     std::vector<Clock::time_point> probes;
-    for (size_t i = seen; i < plc->requests().size(); ++i)
-        if (byteAt(plc->requests()[i].frame, 0) == 2)
-            probes.push_back(plc->requests()[i].arrival);
+    for (size_t i = seen; i < plc.requests().size(); ++i)
+        if (byteAt(plc.requests()[i].frame, 0) == 2)
+            probes.push_back(plc.requests()[i].arrival);
     ASSERT_EQ(probes.size(), 3U); // at once, then at growing intervals
     EXPECT_GE(probes[1] - probes[0], milliseconds(500));
     EXPECT_GE(probes[2] - probes[1], milliseconds(1000));
@@ -140,9 +142,9 @@ TEST_F(LoopTest, AWholeCycleComesBetweenTwoProbes)
     fault("2:silent");
     ASSERT_TRUE(turnUntil([this] { return !loop->status().isOnline(2); }));
     fault("1:late=400"); // a cycle takes longer than any pause between the first probes
-    const size_t first = plc->requests().size();
+    const size_t first = plc.requests().size();
     ASSERT_TRUE(turnUntil([this] { return requestsTo(1) >= 5 * requests; }, 20000));
-    const std::vector<SeenRequest> seen = plc->requests();
+    const std::vector<SeenRequest> seen = plc.requests();
     std::optional<int> others; // since the last probe
     int probes = 0;
     for (size_t i = first; i < seen.size(); ++i) {
@@ -172,7 +174,8 @@ TEST_F(LoopTest, MoreWritesThanATurnsBurst)
 {
     for (int i = 0; i < 17; ++i)
         add(std::to_string(i).c_str(), ("7:" + std::to_string(10 * i)).c_str(), 1, Access::WRITE);
-    start(); // nothing to read: after each five writes a turn has nothing to send
+    replacedTime.reset(); // the runner has a thread of its own
+    start();              // nothing to read: after each five writes a turn has nothing to send
     loop->close("test");
     LinkRunner runner(*loop);
     runner.start(MissingPort::FAIL);
@@ -183,15 +186,20 @@ TEST_F(LoopTest, MoreWritesThanATurnsBurst)
     EXPECT_TRUE(waitFor([&] { return runner.isIdle(); }));
     runner.stop();
     for (size_t i = 0; i < 17; ++i)
-        EXPECT_EQ(plc->holdingRegisters(1).at(10 * i), 7);
+        EXPECT_EQ(plc.holdingRegisters(1).at(10 * i), 7);
 }
 
 TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
 {
     const QTemporaryDir folder;
     const QString name = folder.filePath("adapter");
-    QFile::link(plc->device(), name);
+    auto device = std::make_unique<SimulatedPlc>(threeStations());
+    QFile::link(device->device(), name);
+    replacedTime.reset();
+    opener = SerialPort::open;
     link.line.devices = {name.toStdString()};
+    link.line.responseTimeout = 10000;
+    link.line.guardTime = 0;
     add("value", "6:12");
     add("word", "7:100", 2, Access::WRITE);
     add("more", "7:110", 2, Access::WRITE);
@@ -203,13 +211,14 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
     runner.start(MissingPort::FAIL);
     for (const bool isAwaited : {true, false}) { // a response, at the moment
         SCOPED_TRACE(isAwaited);
-        fault(isAwaited ? "2:silent" : "2:none");
+        device->setFault(2, parseFault(isAwaited ? "2:silent" : "2:none").fault);
         runner.post([this](CommunicationLoop &) { write("word", "5") && write("more", "5"); });
-        ASSERT_TRUE(waitFor([&] { return isAwaited ? requestsTo(2) > 0 : runner.isIdle(); }));
+        ASSERT_TRUE(waitFor(
+            [&] { return isAwaited ? requestsTo(2, device->requests()) > 0 : runner.isIdle(); }));
         taken(Event::PORT);
         auto next = std::make_unique<SimulatedPlc>(threeStations());
-        ASSERT_NE(next->device(), plc->device());
-        plc = std::move(next); // the old one hangs up
+        ASSERT_NE(next->device(), device->device());
+        device = std::move(next); // the old one hangs up
         ASSERT_TRUE(waitFor([this] { return !loop->status().isPortOpen(); }));
         EXPECT_EQ(value("value").substr(0, 11), "stale 38536");
         runner.post([this](CommunicationLoop &) { write("word", "6"); });
@@ -220,12 +229,12 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
         ASSERT_TRUE(waitFor(
             [&] { return loop->status().portText().find("no such device") != std::string::npos; }));
         QFile::remove(name);
-        QFile::link(plc->device(), name);
+        QFile::link(device->device(), name);
         EXPECT_TRUE(waitFor([this] { return value("value") == "good 38536"; }));
-        EXPECT_EQ(plc->holdingRegisters(2).at(100), 45266); // nothing is carried out later
-        EXPECT_EQ(plc->holdingRegisters(2).at(110), 54000);
+        EXPECT_EQ(device->holdingRegisters(2).at(100), 45266); // nothing is carried out later
+        EXPECT_EQ(device->holdingRegisters(2).at(110), 54000);
         const std::string events = taken(Event::PORT);
-        EXPECT_NE(events.find(" disconnected\n" + missing + "\n" + plc->device().toStdString()
+        EXPECT_NE(events.find(" disconnected\n" + missing + "\n" + device->device().toStdString()
                               + " open\n"),
                   std::string::npos)
             << events;
@@ -237,8 +246,8 @@ TEST_F(LoopTest, AMissingPortAtTheStartIsReported)
     add("value", "6:12");
     start();
     loop->close("test");
-    link.line.devices = {"/dev/none"};
-    loop->load(link, {});
+    plc.plug(false);
+    replacedTime.reset();
     LinkRunner runner(*loop);
     EXPECT_THROW(runner.start(MissingPort::FAIL), PortError);
 }

@@ -1,4 +1,4 @@
-// A communication loop on the simulated PLC, whose three stations are 1, 2 and 3.
+// A communication loop on the simulated stations 1, 2 and 3, in a time of its own.
 #pragma once
 
 #include "host/core/events/event.h"
@@ -12,7 +12,7 @@
 #include "host/core/variables/variable.h"
 #include "host/plc/faults.h"
 #include "host/plc/request_log.h"
-#include "host/plc/simulated_plc.h"
+#include "tests/virtual_plc.h"
 
 #include <QThread>
 
@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -38,10 +39,10 @@ inline SimulatedLineSettings threeStations()
 class LoopUnderTest : public EventSink
 {
 public:
-    LoopUnderTest() : plc(std::make_unique<SimulatedPlc>(threeStations()))
+    LoopUnderTest() : replacedTime(std::in_place), plc(threeStations())
     {
         link.name = "line";
-        link.line.devices = {plc->device().toStdString()};
+        link.line.devices = {"virtual"};
         link.line.baudRate = 115200;
         link.line.responseTimeout = 30;
         link.retries = 1;
@@ -69,7 +70,7 @@ public:
     {
         loop = std::make_unique<CommunicationLoop>(DRIVER_LIBRARY, link,
                                                    RequestPlanner(DRIVER_LIBRARY).plan(link),
-                                                   std::vector<LineTap *>(), *this);
+                                                   std::vector<LineTap *>(), *this, opener);
         loop->open();
     }
 
@@ -77,8 +78,17 @@ public:
     {
         const Clock::time_point end = Clock::now() + milliseconds(time);
         while (!condition() && Clock::now() < end)
-            loop->turn();
+            turn();
         return condition();
+    }
+
+    /// Lets time pass after a turn without a request.
+    void turn()
+    {
+        const Clock::time_point begin = Clock::now();
+        const milliseconds pause = loop->turn() ? milliseconds(1) : loop->idleTime();
+        if (Clock::now() == begin)
+            Clock::sleepUntil(begin + pause);
     }
 
     /// For what another thread brings about.
@@ -106,7 +116,7 @@ public:
     void fault(const char *text)
     {
         const StationFault parsed = parseFault(text);
-        plc->setFault(parsed.station, parsed.fault);
+        plc.setFault(parsed.station, parsed.fault);
     }
 
     bool write(const char *name, const std::string &text)
@@ -138,9 +148,10 @@ public:
         return {};
     }
 
-    int requestsTo(int station) const
+    int requestsTo(int station) const { return requestsTo(station, plc.requests()); }
+
+    static int requestsTo(int station, const std::vector<SeenRequest> &seen)
     {
-        const std::vector<SeenRequest> seen = plc->requests();
         return static_cast<int>(
             std::count_if(seen.begin(), seen.end(), [station](const SeenRequest &request) {
                 return byteAt(request.frame, 0) == station;
@@ -162,7 +173,9 @@ public:
         return events;
     }
 
-    std::unique_ptr<SimulatedPlc> plc;
+    std::optional<ReplacedTime> replacedTime;
+    VirtualPlc plc;
+    PortOpener opener = plc.opener();
     Link link;
     std::unique_ptr<CommunicationLoop> loop;
 
