@@ -56,18 +56,54 @@ TEST(LinkFile, RefusedContent)
     EXPECT_GT(refused, 0);
 }
 
-TEST(LinkFile, Content)
+TEST(LinkFile, EveryKey)
 {
-    const std::vector<Link> links = readLinkFile(EXAMPLE_FILE);
-    ASSERT_EQ(links.size(), 1U);
-    const Link &link = links.front();
-    EXPECT_EQ(link.line.devices.size(), 2U);
-    EXPECT_EQ(link.line.parity, 'E');
-    EXPECT_EQ(link.line.responseTimeout, 150);
-    EXPECT_EQ(link.stations(), (std::vector<int>{1, 2, 3}));
-    EXPECT_EQ(link.variables.size(), 9U);
-    EXPECT_EQ(link.variables.back().kind, KIND_HOLDING_DWORD);
-    EXPECT_TRUE(link.variables.back().isRead() && link.variables.back().isWritten());
+    QFile file(CASES_FOLDER "/every_key.toml");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString content = QString::fromUtf8(file.readAll());
+    for (const char *table : {"[[link]]", "[[link.station]]", "[[link.variable]]"}) {
+        QString wrong = content;
+        wrong.replace(table, QString(table) + "\nnothing = 1");
+        const QString accepted = QString::fromStdString(errorOf(wrong.toStdString()));
+        ASSERT_TRUE(accepted.contains(" accepts: ")) << qPrintable(accepted);
+        for (const QString &key : accepted.section(" accepts: ", 1).split(", "))
+            EXPECT_TRUE(content.contains("\n" + key + " = ") || content.contains("." + key + "]]"))
+                << qPrintable(key);
+    }
+    const Link link = readLinkFile(CASES_FOLDER "/every_key.toml").at(0);
+    const LineSettings &line = link.line;
+    EXPECT_EQ(link.name, "l");
+    EXPECT_EQ(line.devices, (std::vector<std::string>{"/dev/a", "/dev/b*"}));
+    EXPECT_EQ(line.parity, 'O');
+    EXPECT_EQ(line.rs485, Rs485::RTS_AFTER_SEND);
+    EXPECT_TRUE(line.echo);
+    EXPECT_FALSE(link.ownFailuresOnly);
+    const std::vector<int> numbers = {line.baudRate,
+                                      line.stopBits,
+                                      line.responseTimeout,
+                                      line.interCharacterTimeout,
+                                      line.guardTime.value(),
+                                      line.minFrameGap,
+                                      link.maxRegs,
+                                      link.retries,
+                                      link.queueAgain,
+                                      link.staleAfter,
+                                      link.responseTimeoutOf(9),
+                                      link.retriesOf(9),
+                                      link.maxRegsOf(9)};
+    EXPECT_EQ(numbers, (std::vector<int>{9600, 2, 111, 22, 33, 4500, 44, 5, 6, 7777, 88, 0, 12}));
+    const Variable &variable = link.variables.at(0);
+    EXPECT_EQ(variable.name + " " + variable.address, "v 30");
+    EXPECT_EQ(variable.station, 9);
+    EXPECT_EQ(variable.kind, KIND_HOLDING_5000_DWORD);
+    EXPECT_EQ(nameOf(variable.format), "f32/ABCD");
+    EXPECT_EQ(variable.count, 3);
+    EXPECT_EQ(variable.access, Access::WRITE);
+}
+
+TEST(LinkFile, Files)
+{
+    EXPECT_EQ(readLinkFile(EXAMPLE_FILE).at(0).variables.size(), 9U);
     for (const char *path : {"/none", "/"}) {
         try {
             readLinkFile(path);

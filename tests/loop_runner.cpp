@@ -1,7 +1,11 @@
 // Runs tests/cases/communication.loop. tests/cases/README.md describes their language.
+#include "host/core/links/link_file.h"
 #include "host/core/text/hex.h"
 #include "tests/loop_under_test.h"
 #include "tests/script.h"
+
+#include <QFile>
+#include <QTemporaryDir>
 
 using namespace velko;
 
@@ -31,16 +35,75 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         return QString();
     }
 
-    QString setStation(Words &words)
+    /// The settings of the link are those of a file with these keys; "2.timeout" is one of station 2.
+    QString setKeys(const QStringList &fields)
     {
-        StationSettings &settings = link.stationSettings[words.number()];
-        int maxRegs = 0;
-        int retries = 0;
-        int timeout = 0;
-        setFields(words.fields(),
-                  {{"maxRegs", &maxRegs}, {"retries", &retries}, {"timeout", &timeout}});
-        settings = {timeout, retries, maxRegs};
+        for (const QString &field : fields) {
+            const QString key = field.section('=', 0, 0);
+            const QString table = key.contains('.') ? key.section('.', 0, 0) : QString();
+            m_keys[table][key.section('.', -1)] = field.section('=', 1);
+        }
+        Link read = linkOf(fileText());
+        read.variables = link.variables;
+        link = read;
         return QString();
+    }
+
+    QString fileText() const
+    {
+        QString text;
+        for (const auto &table : m_keys) {
+            if (!table.first.isEmpty())
+                text += "[[link.station]]\nnumber = " + table.first + "\n";
+            for (const auto &key : table.second)
+                text += key.first + " = " + key.second + "\n";
+        }
+        for (const char *const station : {"1", "2", "3"})
+            text += QString("[[link.variable]]\nname = \"%1\"\nstation = %1\n"
+                            "kind = \"input word\"\naddress = 0\n")
+                        .arg(station);
+        return text;
+    }
+
+    static Link linkOf(const QString &text)
+    {
+        const QTemporaryDir folder;
+        QFile file(folder.filePath("f"));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("[[link]]\n" + text.toUtf8());
+        file.close();
+        return readLinkFile(file.fileName().toStdString()).front();
+    }
+
+    QString opening() const
+    {
+        const std::vector<LineSettings> openings = plc.openings();
+        const LineSettings &last = openings.back();
+        return QString("%1: %2 %3%4 rs485=%5")
+            .arg(openings.size())
+            .arg(last.baudRate)
+            .arg(last.parity)
+            .arg(last.stopBits)
+            .arg(static_cast<int>(last.rs485));
+    }
+
+    /// The time since the last call, in milliseconds.
+    QString took()
+    {
+        const Clock::time_point before = m_took;
+        m_took = Clock::now();
+        return QString::number(std::chrono::duration<double, std::milli>(m_took - before).count(),
+                               'f', 1);
+    }
+
+    /// The beginnings of the requests since the last count.
+    QString newFrames()
+    {
+        QStringList frames;
+        const std::vector<SeenRequest> seen = plc.requests();
+        for (; m_seen < seen.size(); ++m_seen)
+            frames += text(hexText(seen[m_seen].frame.left(6)));
+        return frames.join(", ");
     }
 
     QString remove(const std::string &name)
@@ -127,13 +190,17 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
     }
 
     // clang-format off
-    const std::map<QString, int *> m_numbers = {
-        {"maxRegs", &link.maxRegs}, {"retries", &link.retries}, {"offerAgain", &link.queueAgain},
-        {"staleAfter", &link.staleAfter}};
+    const std::map<QString, int *> m_numbers;
 
     const std::map<QString, Action> m_actions = {
         {"add", [this](Words &w) { return addVariable(w); }},
-        {"settings", [this](Words &w) { return setStation(w); }},
+        {"keys", [this](Words &w) { return setKeys(w.fields()); }},
+        {"opening", [this](Words &) { return opening(); }},
+        {"plug", [this](Words &w) { plc.plug(w.text() == "in"); return QString(); }},
+        {"reopen", [this](Words &) { return loop->reopen() ? "closed" : "open"; }},
+        {"close", [this](Words &) { loop->close("test"); return QString(); }},
+        {"took", [this](Words &) { return took(); }},
+        {"newFrames", [this](Words &) { return newFrames(); }},
         {"remove", [this](Words &w) { return remove(w.text().toStdString()); }},
         {"plan", [this](Words &) { return plan(); }},
         {"start", [this](Words &) { start(); return QString(); }},
@@ -149,6 +216,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         {"write", [this](Words &w) { return writeValue(w); }},
         {"writes", [this](Words &) { return events(Event::WRITE); }},
         {"stations", [this](Words &) { return events(Event::STATION); }},
+        {"ports", [this](Words &) { return events(Event::PORT); }},
         {"station", [this](Words &w) { return loop->status().isOnline(w.number()) ? "online" : "offline"; }},
         {"value", [this](Words &w) { return text(value(qPrintable(w.text()))); }},
         {"stored", [this](Words &w) { return stored(w.text().toStdString()); }},
@@ -158,6 +226,14 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         {"register", [this](Words &w) { return holdingRegister(w); }}};
     // clang-format on
 
+    std::map<QString, std::map<QString, QString>> m_keys = {
+        {"",
+         {{"name", "\"line\""},
+          {"device", "\"virtual\""},
+          {"baud", "115200"},
+          {"timeout", "30"},
+          {"retries", "1"}}}}; // by table of the file
+    Clock::time_point m_took = Clock::now();
     size_t m_seen = 0;                          // requests, when they were counted last
     std::map<QString, QString> m_abbreviations; // by what they stand for
 };

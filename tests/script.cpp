@@ -70,15 +70,26 @@ private:
     std::unique_ptr<ScriptRunner> m_runner;
 };
 
-/// A line "== title" begins a script.
+/// A line "== title" begins a script. One whose title begins with "@" is no test: a line of this
+/// title stands for its lines further down.
 QList<Script> scriptsOf(const QString &name)
 {
     QList<Script> scripts;
+    std::map<QString, QList<Line>> pieces;
+    QList<Line> *lines = nullptr;
     for (const Line &line : linesOf(name)) {
-        if (line.text.startsWith("== "))
-            scripts.append({name, line.text.mid(3), {}});
-        else
-            scripts.last().lines.append(line);
+        const QString title = line.text.startsWith("== ") ? line.text.mid(3) : QString();
+        if (title.startsWith('@')) {
+            lines = &pieces[title];
+        } else if (!title.isEmpty()) {
+            scripts.append({name, title, {}});
+            lines = &scripts.last().lines;
+        } else if (line.text.startsWith('@')) {
+            EXPECT_TRUE(pieces.count(line.text)) << qPrintable(line.text);
+            *lines += pieces[line.text];
+        } else {
+            lines->append(line);
+        }
     }
     return scripts;
 }
