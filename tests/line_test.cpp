@@ -174,41 +174,87 @@ TEST(Line, StaleInputIsDiscardedBeforeEachRequest)
     EXPECT_EQ(hexText(test.exchange("01 04 00 0D 00 01", 7).reply), "01 04 02 A1 8F 81 04");
 }
 
-// After bytes that look like the beginning of a long reply, a stuck transmitter sends for ever.
-class StuckPort : public BytePort
+// Delivers bytes at fixed times after each request; the last ones again and again if it is stuck.
+class ScriptedPort : public BytePort
 {
 public:
+    struct Piece {
+        int pause; // milliseconds
+        QByteArray bytes;
+    };
+
+    explicit ScriptedPort(const std::vector<Piece> &pieces, bool isStuck = false)
+        : m_pieces(pieces),
+          m_next(pieces.size()),
+          m_isStuck(isStuck)
+    {
+    }
+
     const std::string &device() const override { return m_name; }
-    void write(const QByteArray &) override { m_isAsked = true; }
+    void write(const QByteArray &) override
+    {
+        m_next = 0;
+        m_last = Clock::now();
+    }
     QByteArray read(int timeout) override
     {
-        Clock::sleepUntil(Clock::now() + milliseconds(std::min(timeout, 5)));
-        if (!m_isAsked)
+        const Clock::time_point end = Clock::now() + milliseconds(timeout);
+        const bool isLast = m_next == m_pieces.size();
+        const Clock::time_point due =
+            isLast ? end : m_last + milliseconds(m_pieces.at(m_next).pause);
+        Clock::sleepUntil(std::min(due, end));
+        if (isLast || due > end)
             return QByteArray();
-        m_isFirst = !m_isFirst && m_count++ == 0;
-        return m_isFirst ? QByteArray::fromHex("0103FF") : QByteArray("\x55");
+        m_last = due;
+        const size_t piece = m_next++;
+        if (m_isStuck && m_next == m_pieces.size())
+            m_next = piece;
+        return m_pieces.at(piece).bytes;
     }
 
 private:
-    const std::string m_name = "stuck";
-    bool m_isAsked = false;
-    bool m_isFirst = false;
-    int m_count = 0;
+    const std::string m_name = "scripted";
+    const std::vector<Piece> m_pieces;
+    size_t m_next;
+    const bool m_isStuck;
+    Clock::time_point m_last;
 };
 
-TEST(Line, EndsExchangeIfLineNeverFallsSilent)
+Exchange readOn(std::unique_ptr<ScriptedPort> port, bool echo)
 {
-    const ReplacedTime time;
     LineSettings settings;
     settings.baudRate = 115200;
     settings.interCharacterTimeout = 20;
+    settings.echo = echo;
     const LineTaps taps;
     OpenRequests open;
     const ReadCut cut;
-    SerialLine line(std::make_unique<StuckPort>(), settings, taps, open, cut);
+    SerialLine line(std::move(port), settings, taps, open, cut);
+    const QByteArray request = frame(READ_12);
+    open.begin(request, 7, OpenRequests::REQUEST);
+    return line.exchange(request, 7, {100, 100});
+}
+
+// After bytes that look like the beginning of a long response, a stuck transmitter sends for ever.
+TEST(Line, EndsExchangeIfLineNeverFallsSilent)
+{
+    const ReplacedTime time;
     const Clock::time_point start = Clock::now();
-    EXPECT_EQ(line.exchange(frame("01 03 00 00 00 01"), 7, {100, 100}).reply.size(), 7);
+    const std::vector<ScriptedPort::Piece> noise = {{5, frame("01 04 FF").left(3)}, {5, "\x55"}};
+    EXPECT_EQ(readOn(std::make_unique<ScriptedPort>(noise, true), false).reply.size(), 7);
     EXPECT_LT(millisecondsSince(start), milliseconds(1500));
+}
+
+TEST(Line, EchoInPieces)
+{
+    const ReplacedTime time;
+    const QByteArray request = frame(READ_12);
+    const QByteArray response = QByteArray::fromHex(RESPONSE_12);
+    for (int i = 1; i < request.size(); ++i) {
+        const std::vector<ScriptedPort::Piece> pieces = {
+            {3, request.left(i)}, {3, request.mid(i) + response.left(2)}, {3, response.mid(2)}};
+        EXPECT_EQ(readOn(std::make_unique<ScriptedPort>(pieces), true).reply, response) << i;
+    }
 }
 
 TEST(Line, ResponseFilter)
