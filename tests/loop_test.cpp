@@ -1,4 +1,4 @@
-// The communication loop on the simulated PLC: times, threads and the port. The rest are cases.
+// The communication loop: every kind, probes, threads and the port. The rest are cases.
 #include "host/core/loop/link_runner.h"
 #include "tests/loop_under_test.h"
 
@@ -74,62 +74,6 @@ TEST_F(LoopTest, EveryKindReadAndWritten)
     EXPECT_EQ(counters(2).sent, counters(2).good);
 }
 
-TEST_F(LoopTest, AnExceptionCostsNoTimeOut)
-{
-    add("beyond", "6:1000");
-    link.line.responseTimeout = link.line.interCharacterTimeout = 5000;
-    start();
-    const Clock::time_point begin = Clock::now();
-    for (int i = 0; i < 10; ++i)
-        ASSERT_TRUE(readAll());
-    EXPECT_LT(Clock::now() - begin, milliseconds(2500));
-}
-
-TEST_F(LoopTest, EachRequestFailsForItsOwnFailures)
-{
-    for (const bool ownFailuresOnly : {true, false}) {
-        link.variables.clear();
-        add("a", "6:0");
-        add("b", "6:500");
-        link.ownFailuresOnly = ownFailuresOnly;
-        start();
-        fault("1:flip/3");
-        turnFor(300);
-        EXPECT_GT(counters(1).badCrc, 5);
-        EXPECT_EQ(counters(1).givenUp == 0, ownFailuresOnly);
-    }
-}
-
-TEST_F(LoopTest, ADeadStationDoesNotSlowTheOthers)
-{
-    for (const int station : {1, 2, 3})
-        add(("s" + std::to_string(station)).c_str(), "6:12", station);
-    start();
-    turnFor(1000);
-    const int usual = requestsTo(1);
-    fault("2:silent");
-    ASSERT_TRUE(turnUntil([this] { return !loop->status().isOnline(2); }));
-    EXPECT_EQ(taken(Event::STATION), "2 offline\n");
-    EXPECT_EQ(value("s2"), "station offline 38793: no response");
-
-    const int before = requestsTo(1);
-    const size_t seen = plc.requests().size();
-    turnFor(1000);
-    EXPECT_GT(requestsTo(1) - before, usual / 2);
-    turnFor(1300);
-    std::vector<Clock::time_point> probes;
-    for (size_t i = seen; i < plc.requests().size(); ++i)
-        if (byteAt(plc.requests()[i].frame, 0) == 2)
-            probes.push_back(plc.requests()[i].arrival);
-    ASSERT_EQ(probes.size(), 3U); // at once, then at growing intervals
-    EXPECT_GE(probes[1] - probes[0], milliseconds(500));
-    EXPECT_GE(probes[2] - probes[1], milliseconds(1000));
-
-    fault("2:none");
-    ASSERT_TRUE(turnUntil([this] { return value("s2") == "good 38793"; }));
-    EXPECT_EQ(taken(Event::STATION), "2 online\n");
-}
-
 TEST_F(LoopTest, AWholeCycleComesBetweenTwoProbes)
 {
     const int requests = 6;
@@ -157,17 +101,6 @@ TEST_F(LoopTest, AWholeCycleComesBetweenTwoProbes)
         ++probes;
     }
     EXPECT_GE(probes, 2);
-}
-
-TEST_F(LoopTest, CheckReadsThatAreAnsweredCostNoTry)
-{
-    add("pair", "7:0:u16:2");
-    add("more", "7:200:u16:3");
-    link.line.responseTimeout = 2000;
-    start();
-    fault("1:cut=4/3");
-    ASSERT_TRUE(turnUntil([this] { return counters(1).retries >= 15; }, 20000));
-    EXPECT_EQ(counters(1).givenUp, 0); // with one retry, each check read would be the last try
 }
 
 TEST_F(LoopTest, MoreWritesThanATurnsBurst)
