@@ -71,6 +71,7 @@ class Runner : public ScriptRunner, DriverUnderTest
         setFields(words.fields(), {{"owner", &var->ownerId},
                                    {"tag", &var->ownerTag},
                                    {"rw", &var->rwFlag},
+                                   {"link", &var->linkMode},
                                    {"area", &var->areaNo},
                                    {"station", &var->station},
                                    {"mark", &var->rmwMark},
@@ -132,7 +133,7 @@ class Runner : public ScriptRunner, DriverUnderTest
     {
         QString frame = QString::fromStdString(next());
         for (int i = 0; i < 2 && !core.pendingList.isEmpty(); ++i) {
-            next();
+            m_lastSent = QString::fromStdString(next());
             const bool isRead = core.pendingList.first().dataOffset == 3;
             EXPECT_EQ(answer(isRead ? GOOD_READ : GOOD_WRITE), RESULT_GOOD);
         }
@@ -255,6 +256,7 @@ class Runner : public ScriptRunner, DriverUnderTest
         {"answer", [this](Words &w) { return answerWith(w); }},
         {"silence", [this](Words &) { return QString::number(answer("")); }},
         {"serve", [this](Words &) { return serve(); }},
+        {"lastSent", [this](Words &) { return m_lastSent; }},
         {"turns", [this](Words &w) { return turns(w.number()); }},
         {"events", [this](Words &) { return QString::fromStdString(takeEvents()); }},
         {"returned", [this](Words &) { return describe(core.retVar); }},
@@ -284,6 +286,7 @@ class Runner : public ScriptRunner, DriverUnderTest
     // clang-format on
 
     std::unique_ptr<RW_VAR> m_once;
+    QString m_lastSent;
     ComInfo m_another;
 };
 
