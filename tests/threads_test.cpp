@@ -16,11 +16,12 @@ namespace
 
 // Holding registers of station 1: a block that the slave fills with one increasing number; a block
 // that a thread fills with one number; a double word whose halves are complements of each other; a
-// register whose bits and bytes are written one by one.
+// register whose bits and bytes are written one by one; a register whose writes are never replaced.
 const int COUNTED = 0;
 const int WRITTEN = 200;
 const int DWORD = 300;
 const int SHARED = 400;
+const int APPENDED = 420;
 const int BLOCK = 100;
 
 QByteArray filled(int value, int registers)
@@ -65,15 +66,18 @@ protected:
             thread.join();
     }
 
-    void fillSlave(int first, int value, int registers)
+    /// Returns a write of one number into all of the registers.
+    RW_VAR filledWith(int first, int value, int registers) const
     {
         RW_VAR block;
+        block.rwFlag = REQUEST_WRITE;
+        block.areaNo = link.localArea;
         block.varKind = KIND_HOLDING_WORD;
         block.station = 1;
         block.addr = 2 * first;
         block.count = registers;
         block.value = filled(value, registers);
-        slaves.write(block);
+        return block;
     }
 
     /// Runs a turn with a good reply. Returns false if no frame was due.
@@ -132,22 +136,33 @@ protected:
                 driver.customMessageHandler(QtDebugMsg, "bits");
         });
         beside([this](int turn) {
-            driver.ReCreatReadVarList(&items);
+            const QList<VAR_ITEM> none; // makes idle turns
+            driver.ReCreatReadVarList(turn % 2 == 0 ? &none : &items);
             RW_VAR once;
             once.varKind = KIND_INPUT_WORD;
             once.addrText = QString::number(turn % 50);
             once.areaNo = link.localArea;
             once.count = 3;
             driver.AddListOnceReadVar(&once, QUEUE_CHECKED);
+            if (driver.AddListOnceReadVar(nullptr, QUEUE_UNCONDITIONALLY) < 20)
+                driver.AddListOnceReadVar(&once, QUEUE_UNCONDITIONALLY); // converted above
             if (turn % 64 == 1)
                 driver.customMessageHandler(QtDebugMsg, "list");
         });
-        beside([this](int turn) { driver.EnCommStation(2 + turn % 2, turn % 3); });
+        beside([this](int turn) {
+            driver.EnCommStation(2 + turn % 2, turn % 3);
+            if (driver.AddListWriteVar(nullptr, QUEUE_UNCONDITIONALLY) >= 20)
+                return;
+            const RW_VAR write = filledWith(APPENDED, turn, 1);
+            driver.AddListWriteVar(&write, QUEUE_UNCONDITIONALLY);
+            lastAppended = turn;
+        });
     }
 
     const QList<VAR_ITEM> items = itemsFrom("7:0:100 7:200:100 10:150:2 7:400:1 8:7:3");
     SlaveMemory slaves; // used by the communication thread
     std::atomic<int> lastWritten{0};
+    std::atomic<int> lastAppended{0};
     std::atomic<int> torn{0};
 
 private:
@@ -166,14 +181,14 @@ TEST_F(ThreadsTest, NoTornOrOutdatedValueIsRead)
 
     startReaders();
     startWriters();
-    fillSlave(WRITTEN, 0, BLOCK);
-    fillSlave(DWORD, 0, 2);
-    fillSlave(SHARED, 0, 1);
+    slaves.write(filledWith(WRITTEN, 0, BLOCK));
+    slaves.write(filledWith(DWORD, 0, 2));
+    slaves.write(filledWith(SHARED, 0, 1));
     int done = 0;
     for (int turn = 0; (done < exchanges || !areAllWarm()) && turn < 2000000; ++turn) {
         if (turn % 8 == 0)
             giveWay();
-        fillSlave(COUNTED, qMin(done, 0xFFFF), BLOCK);
+        slaves.write(filledWith(COUNTED, qMin(done, 0xFFFF), BLOCK));
         done += exchange() ? 1 : 0;
     }
     EXPECT_TRUE(areAllWarm());
@@ -190,4 +205,5 @@ TEST_F(ThreadsTest, NoTornOrOutdatedValueIsRead)
     EXPECT_EQ(slaves.read(1, AREA_HOLDING, DWORD), lastWritten);
     EXPECT_EQ(slaves.read(1, AREA_HOLDING, DWORD + 1), lastWritten ^ 0xFFFF);
     EXPECT_EQ(slaves.read(1, AREA_HOLDING, SHARED), 0x5A0F);
+    EXPECT_EQ(slaves.read(1, AREA_HOLDING, APPENDED), lastAppended);
 }
