@@ -80,15 +80,18 @@ protected:
         return block;
     }
 
-    /// Runs a turn with a good reply. Returns false if no frame was due.
+    /// Runs a turn; every sixteenth response is lost. Returns whether a frame was answered.
     bool exchange()
     {
         const Protocol *const request = driver.ComCommunication();
         if (!request)
             return false;
-        const QByteArray reply = slaves.responseTo(request->frame);
-        EXPECT_EQ(driver.DataCom(&reply, reply.size())->retCode, RESULT_GOOD);
-        return true;
+        const bool lost = ++m_sent % 16 == 0;
+        const QByteArray reply =
+            slaves.responseTo(request->frame).left(lost ? 0 : request->replyLen);
+        EXPECT_EQ(driver.DataCom(&reply, reply.size())->retCode,
+                  lost ? RESULT_WILL_REPEAT : RESULT_GOOD);
+        return !lost;
     }
 
     QByteArray valueOf(int first, int length) const
@@ -166,6 +169,7 @@ protected:
     std::atomic<int> torn{0};
 
 private:
+    int m_sent = 0;
     std::atomic<bool> m_stop{false};
     std::atomic<int> m_warm{0};
     std::vector<std::thread> m_threads;
@@ -175,6 +179,7 @@ TEST_F(ThreadsTest, NoTornOrOutdatedValueIsRead)
 {
     const int exchanges = qMin(numberFrom("VELKO_EXCHANGES", SLOW_MACHINE ? 3000 : 20000), 0xFFFF);
     link.maxRegs = BLOCK;
+    link.retryLimit = 1 << 30;
     driver.ReCreatReadVarList(&items);
     const QTemporaryDir folder; // for the log
     QDir::setCurrent(folder.path());
