@@ -52,17 +52,6 @@ TEST(LibraryFile, CanBeLoadedUsedAndUnloadedRepeatedly)
     }
 }
 
-// A compiled host contains the numbers, not the names.
-TEST(LibraryFile, KindsKeepTheirNumbers)
-{
-    const int kinds[] = {KIND_INPUT_BIT,   KIND_HOLDING_BIT,   KIND_HOLDING_5000_BIT,
-                         KIND_INPUT_BYTE,  KIND_HOLDING_BYTE,  KIND_HOLDING_5000_BYTE,
-                         KIND_INPUT_WORD,  KIND_HOLDING_WORD,  KIND_HOLDING_5000_WORD,
-                         KIND_INPUT_DWORD, KIND_HOLDING_DWORD, KIND_HOLDING_5000_DWORD};
-    for (int i = 0; i < KIND_COUNT; ++i)
-        EXPECT_EQ(kinds[i], i);
-}
-
 TEST(LibraryFile, TwoCopiesShareNothing)
 {
     const QTemporaryDir folder;

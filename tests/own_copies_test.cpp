@@ -62,14 +62,14 @@ struct Entry {
     const char *value; // of the record
 };
 
-int queueWrite(const DriverUnderTest &test, const HostMemory &memory, int mode)
+template <int mode> int queueWrite(const DriverUnderTest &test, const HostMemory &memory)
 {
     RW_VAR record = memory.record(KIND_HOLDING_WORD, 20, 2);
     record.rwFlag = REQUEST_WRITE;
     return test.driver.AddListWriteVar(&record, mode);
 }
 
-int queueRead(const DriverUnderTest &test, const HostMemory &memory, int mode)
+template <int mode> int queueRead(const DriverUnderTest &test, const HostMemory &memory)
 {
     RW_VAR record = memory.record(KIND_HOLDING_WORD, 10, 2);
     return test.driver.AddListOnceReadVar(&record, mode);
@@ -97,25 +97,13 @@ const Entry ENTRIES[] = {
                                             &value, 2, 0, 0);
      },
      &Modbus_RTU_Master::writeList, WRITE_FRAME, "12 34 56 78"},
-    {"AddListWriteVar, checked",
-     [](const DriverUnderTest &test, const HostMemory &memory) {
-         return queueWrite(test, memory, QUEUE_CHECKED);
-     },
+    {"AddListWriteVar, checked", queueWrite<QUEUE_CHECKED>, &Modbus_RTU_Master::writeList,
+     WRITE_FRAME, "12 34 56 78"},
+    {"AddListWriteVar, unconditionally", queueWrite<QUEUE_UNCONDITIONALLY>,
      &Modbus_RTU_Master::writeList, WRITE_FRAME, "12 34 56 78"},
-    {"AddListWriteVar, unconditionally",
-     [](const DriverUnderTest &test, const HostMemory &memory) {
-         return queueWrite(test, memory, QUEUE_UNCONDITIONALLY);
-     },
-     &Modbus_RTU_Master::writeList, WRITE_FRAME, "12 34 56 78"},
-    {"AddListOnceReadVar, checked",
-     [](const DriverUnderTest &test, const HostMemory &memory) {
-         return queueRead(test, memory, QUEUE_CHECKED);
-     },
-     &Modbus_RTU_Master::onceReadList, READ_FRAME, "12 34 56 78"},
-    {"AddListOnceReadVar, unconditionally",
-     [](const DriverUnderTest &test, const HostMemory &memory) {
-         return queueRead(test, memory, QUEUE_UNCONDITIONALLY);
-     },
+    {"AddListOnceReadVar, checked", queueRead<QUEUE_CHECKED>, &Modbus_RTU_Master::onceReadList,
+     READ_FRAME, "12 34 56 78"},
+    {"AddListOnceReadVar, unconditionally", queueRead<QUEUE_UNCONDITIONALLY>,
      &Modbus_RTU_Master::onceReadList, READ_FRAME, "12 34 56 78"},
     {"AddListReadVar",
      [](const DriverUnderTest &test, const HostMemory &memory) {
