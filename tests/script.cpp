@@ -108,8 +108,11 @@ int Words::number()
 QByteArray Words::bytes() const
 {
     QByteArray hex;
-    for (const QString &word : m_words)
-        hex += word.contains('=') ? QByteArray() : word.toLatin1();
+    for (const QString &word : m_words) {
+        if (!word.contains('='))
+            hex +=
+                word.section('*', 0, 0).toLatin1().repeated(qMax(1, word.section('*', 1).toInt()));
+    }
     return QByteArray::fromHex(hex);
 }
 
