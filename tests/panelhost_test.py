@@ -4,6 +4,8 @@
 
 VELKO_LAUNCHER in the environment is a command that starts PANELHOST, such as an emulator.
 """
+import concurrent.futures
+import contextlib
 import datetime
 import fcntl
 import json
@@ -30,6 +32,7 @@ from pymodbus.transaction import ModbusRtuFramer
 
 PANELHOST = []  # the launcher's words and the program's path
 LIMIT = 30  # seconds for any program
+LINKS = os.path.join(os.path.dirname(__file__), "cases", "links")
 
 
 def run(*arguments, stdin=""):
@@ -65,9 +68,21 @@ class Simulator:
     """panelhost simulate, whose device is self.device."""
 
     def __init__(self, *arguments):
-        self.process = subprocess.Popen([*PANELHOST, "simulate", "--baud", "0", *arguments], text=True,
-                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        pace = () if "--baud" in arguments else ("--baud", "0")
+        self.trace = tempfile.TemporaryFile("w+")
+        self.process = subprocess.Popen([*PANELHOST, "simulate", "--trace", *pace, *arguments], text=True,
+                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=self.trace)
         self.device = self.process.stdout.readline().split()[1]
+
+    def traced(self):
+        return os.pread(self.trace.fileno(), 1 << 20, 0).decode()
+
+    def end(self):
+        """Returns all that it has shown."""
+        self.process.terminate()
+        shown = self.process.stdout.read() + self.traced()
+        self.process.communicate(timeout=LIMIT)
+        return shown
 
     def set_fault(self, fault):
         self.process.stdin.write(fault + "\n")
@@ -77,8 +92,80 @@ class Simulator:
         return self
 
     def __exit__(self, *_):
-        self.process.terminate()
-        self.process.communicate(timeout=LIMIT)
+        if self.process.poll() is None:
+            self.end()
+        self.trace.close()
+
+
+@contextlib.contextmanager
+def own_terminal():
+    """Yields a master and its terminal, as the only one of this machine whose device is /dev/tty."""
+    folder = os.open(tempfile.gettempdir(), os.O_RDONLY)
+    fcntl.flock(folder, fcntl.LOCK_EX)
+    master, terminal = pty.openpty()
+    yield master, terminal
+    for end in (terminal, folder):
+        os.close(end)
+
+
+def settings_of(master):
+    """The settings of a terminal at the first request, after which the terminal is gone."""
+    select.select([master], [], [], LIMIT)
+    _, _, flags, _, speed, *_ = termios.tcgetattr(master)
+    shown = [name for name in ("B9600", "B19200") if speed == getattr(termios, name)]
+    shown += [name for name in ("CSTOPB", "PARODD") if flags & getattr(termios, name)]
+    os.close(master)
+    return " ".join(["port:", *shown])
+
+
+def files_for(devices, folder):
+    """Copies the files of links for the devices; returns name -> path."""
+    names = {}
+    for file in os.listdir(LINKS):
+        names[file.split(".")[0]] = path = os.path.join(folder, file)
+        with open(os.path.join(LINKS, file), encoding="utf-8") as source, open(path, "w", encoding="utf-8") as copy:
+            copy.write(re.sub('(?<=")PLC2?(?=")', lambda match: devices.get(match[0].lower(), "-"), source.read()))
+    return names
+
+
+def outcome(simulators, command):
+    """Runs a row of a table: its exit status, its seconds, and all that was shown, sent and captured."""
+    command, _, until = command.partition(" until ")
+    command, _, given = command.partition(" < ")
+    with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as stack:
+        names = {name: os.path.join(folder, name) for name in ("pcap", "link")}
+        start = time.monotonic()
+        plcs = [stack.enter_context(Simulator(*shlex.split(options.format(**names))))
+                for options in simulators.split("&") if options]
+        names.update({"plc2" if i else "plc": plc.device for i, plc in enumerate(plcs)})
+        names.update(files_for(names, folder), panelhost=shlex.join(PANELHOST))
+        words = shlex.split(command.format(**names))
+        first = [] if words[:1] == ["script"] else PANELHOST
+        stdin, master = subprocess.PIPE, None
+        if "/dev/tty" in words:  # takes a parity, unlike the name of a pseudo-terminal
+            master, stdin = stack.enter_context(own_terminal())
+            first = ["env", "--ignore-signal=HUP", "setsid", "-c", *PANELHOST]
+        process = stack.enter_context(subprocess.Popen([*first, *words], text=True, stdin=stdin,
+                                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE))
+        killer = threading.Timer(LIMIT, process.kill)
+        killer.start()
+        shown = settings_of(master) if master else ""
+        if given:
+            process.stdin.write(given + "\n")
+            process.stdin.flush()
+        if until:
+            count, text = until.split(" x ")
+            while shown.count(text) < int(count) and (line := process.stdout.readline()):
+                shown += line
+            process.send_signal(signal.SIGINT)
+        shown += process.stdout.read() + process.stderr.read()
+        status = process.wait()
+        killer.cancel()
+        seconds = time.monotonic() - start
+        shown += "".join(plc.end() for plc in plcs)
+        if os.path.exists(names["pcap"]):
+            shown += "".join(f"captured: {frame.hex(' ').upper()}\n" for frame in frames_in(names["pcap"]))
+        return status, seconds, shown
 
 
 class Poll:
@@ -201,7 +288,7 @@ class PanelhostTest(unittest.TestCase):
 
     def link(self, device, *variables, settings=""):
         tables = "".join("[[link.variable]]\n" + variable + "\n" for variable in variables)
-        return f'[[link]]\nname = "l"\ndevice = "{device}"\ntimeout = 100\n{settings}\n{tables}'
+        return f'[[link]]\nname = "l"\ndevice = "{device}"\ntimeout = 9000\n{settings}\n{tables}'
 
     def assert_ends(self, result, status, *texts):
         self.assertEqual(result.returncode, status, result)
@@ -250,62 +337,60 @@ class PanelhostTest(unittest.TestCase):
         self.assert_ends(run("read", *where, "7:500"), 6, "exception 2 (illegal data address)")
 
     def test_read_of_several_stations(self):
-        with Simulator("--station", "3", "--station", "36", "--station", "37") as plc:
-            where = (plc.device, "-a", "37:36,9,3", "-P", "none", "-o", ".1")
-            theirs = subprocess.run(["mbpoll", "-m", "rtu", "-1", "-q", "-r", "5", "-c", "2", *where[1:],
-                                     plc.device], capture_output=True, text=True, timeout=LIMIT)
-            expected = []
-            for line in theirs.stdout.splitlines():
-                if "slave" in line:
-                    station = re.search(r"slave (\d+)", line)[1]
-                elif line:
-                    expected.append((station, *re.match(r"\[(\d+)\]: \t(\d+)", line).groups()))
-            self.assertEqual(len(expected), 6)
-            result = run("read", *where, "-r", "5", "-c", "2")
-            self.assert_ends(result, 5, "panelhost: station 9, holding word 4: no response")
-            self.assertEqual(re.findall(r"station (\d+): \[(\d+)\]: \t(\d+)", result.stdout), expected)
-            result = run("read", *where, "-r", "5", "-c", "2", "--json")
-            self.assertEqual(result.returncode, 5)
-            items = [json.loads(line) for line in result.stdout.splitlines()]
-            self.assertEqual([(str(item["station"]), item["name"], str(item["value"])) for item in items
-                              if item["state"] == "good"], expected)
-            silent = [item for item in items if item["station"] == 9]
-            self.assertEqual([(item["value"], item["state"]) for item in silent], [(None, "station offline")] * 2)
-            for item in items:
-                self.assertEqual(item["link"], plc.device)
-                self.assertRegex(item["time"], r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
+        plcs = "--station 3 --station 36 --station 37"
+        options = "-a 37:36,9,3 -P none -o 2 -r 5 -c 2"
+        with Simulator(*plcs.split()) as plc, concurrent.futures.ThreadPoolExecutor() as pool:
+            ours = [pool.submit(outcome, plcs, f"read {{plc}} {options} --retries 0{more}") for more in ("", " --json")]
+            theirs = subprocess.run(["mbpoll", "-m", "rtu", "-1", "-q", *options.split(), plc.device],
+                                    capture_output=True, text=True, timeout=LIMIT)
+        expected = []
+        for line in theirs.stdout.splitlines():
+            if "slave" in line:
+                station = re.search(r"slave (\d+)", line)[1]
+            elif line:
+                expected.append((station, *re.match(r"\[(\d+)\]: \t(\d+)", line).groups()))
+        self.assertEqual(len(expected), 6)
+        (status, _, shown), (json_status, _, json_shown) = (one.result() for one in ours)
+        self.assertEqual((status, json_status), (5, 5))
+        self.assertEqual(re.findall(r"station (\d+): \[(\d+)\]: \t(\d+)", shown), expected)
+        items = [json.loads(line) for line in json_shown.splitlines() if line.startswith("{")]
+        self.assertEqual([(str(item["station"]), item["name"], str(item["value"])) for item in items
+                          if item["state"] == "good"], expected)
+        silent = [item for item in items if item["station"] == 9]
+        self.assertEqual([(item["value"], item["state"]) for item in silent], [(None, "station offline")] * 2)
+        for item in items:
+            self.assertRegex(item["link"], "^/dev/pts/")
+            self.assertRegex(item["time"], r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
 
-    def test_read_at_an_interval_until_a_signal(self):
-        capture = os.path.join(self.folder.name, "x.pcap")
-        with Simulator("--station", "1") as plc:
-            process = subprocess.Popen([*PANELHOST, "read", plc.device, "-a", "1,9", "-o", ".05", "-l", "20",
-                                        "7:2", "--pcap", capture], text=True, stdout=subprocess.PIPE,
-                                       stderr=subprocess.PIPE)
-            for _ in range(3):
-                self.assertEqual(process.stdout.readline(), "station 1: 7:2 = 38059\n")
-            process.send_signal(signal.SIGINT)
-            _, errors = process.communicate(timeout=LIMIT)
-            self.assertEqual(process.returncode, 5)
-            self.assertIn("station 9, holding word 2: no response", errors)
-            self.assertGreater(os.path.getsize(capture), 100)
-
-    def test_the_worst_round_gives_the_exit_status(self):
-        with Simulator("--station", "1", "--fault", "1:exception=2", "--at", "1:1:none") as plc:
-            process = subprocess.Popen([*PANELHOST, "read", plc.device, "-l", "20", "7:2"], text=True,
-                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-            self.assertEqual(process.stdout.readline(), "7:2 = 38059\n")
-            process.send_signal(signal.SIGINT)
-            process.communicate(timeout=LIMIT)
-            self.assertEqual(process.returncode, 6)
+    def check_rows(self, rows):
+        """Rows of (status, seconds, simulators, command, text...), all at the same time."""
+        with concurrent.futures.ThreadPoolExecutor(20) as pool:
+            results = pool.map(lambda row: outcome(*row[2:4]), rows)
+            for (status, times, _, command, *texts), (actual, seconds, shown) in zip(rows, results):
+                with self.subTest(command=command):
+                    self.assertEqual(actual, int(status), shown)
+                    if times:
+                        least, most = map(float, times.split(".."))
+                        self.assertTrue(least <= seconds <= most, seconds)
+                    for text in texts:
+                        self.assertEqual(text.strip("!") in shown, text[:1] != "!", f"{text} in {shown}")
 
     def test_exit_statuses(self):
-        good = self.file(self.link("/dev/none", 'name = "v"\nkind = "input word"\naddress = 0'))
-        bad = self.file("[[link]]\nnam = 1\n", "bad.toml")
-        with Simulator("--station", "1") as plc:
-            for status, arguments, text in rows_of("exit_statuses.table"):
-                arguments = shlex.split(arguments.format(plc=plc.device + " -o 0.05", good=good, bad=bad))
-                with self.subTest(arguments=arguments):
-                    self.assert_ends(run(*arguments), int(status), text)
+        self.check_rows([[status, "", *rest] for status, *rest in rows_of("exit_statuses.table")])
+
+    def test_options(self):
+        rows, without_row = [], set()
+        for sub in re.findall(r"^  (\w+) ", run("--help").stdout.split("Subcommands:")[1], re.MULTILINE):
+            for names in re.findall(r"^  (-\S+)", run(sub, "--help").stdout, re.MULTILINE):
+                without_row.add((sub, *names.split(",")))
+        for subs_and_option, *row in rows_of("options.table"):
+            *subs, option = subs_and_option.split()
+            without_row -= {known for known in without_row if known[0] in subs and option in known}
+            self.assertIn(option, " ".join(row[2:4]).split())
+            for sub in subs:
+                rows.append([cell.replace("{sub}", sub).replace("{=}", "=9" if sub == "write" else "") for cell in row])
+        self.assertEqual(without_row, set())
+        self.check_rows(rows)
 
     def test_plan(self):
         content = self.link(
@@ -331,9 +416,9 @@ class PanelhostTest(unittest.TestCase):
             path = self.file(self.link(plc.device, word.format("a", 0)))
             with Poll(path) as poll:
                 poll.wait(event="value", name="a", value=23205, state="good")
-                plc.set_fault("1:silent")
+                plc.set_fault("1:late=700")
                 poll.write("a=5")
-                time.sleep(0.05)
+                wait_for(lambda: "-> 01 10 00 00 " in plc.traced(), "the write")
                 plc.set_fault("1:none")
                 self.file(self.link(plc.device, word.format("b", 100), word.format("c", 0)))
                 poll.process.send_signal(signal.SIGHUP)
@@ -353,9 +438,8 @@ class PanelhostTest(unittest.TestCase):
 
     def test_lines(self):
         with Simulator("--station", "1") as plc:
-            content = self.link(plc.device, 'name = "tenths"\nkind = "input word"\naddress = 0',
-                                'name = "same"\nkind = "input word"\naddress = 13')
-            path = self.file(content.replace("timeout = 100", "timeout = 5000"))
+            path = self.file(self.link(plc.device, 'name = "tenths"\nkind = "input word"\naddress = 0',
+                                       'name = "same"\nkind = "input word"\naddress = 13'))
             start = time.monotonic()
             result = run("poll", path, "--lines", "--seconds", "2.5")
             elapsed = time.monotonic() - start
@@ -374,8 +458,8 @@ class PanelhostTest(unittest.TestCase):
         with Simulator("--station", "1", "--station", "2", "--fault", "2:silent") as plc:
             path = self.file(self.link(
                 plc.device, word.format("a", 1, 0), word.format("h", 1, 150) + 'format = "hex"\ncount = 2',
-                word.format("t", 1, 160) + 'format = "text"', word.format("s", 2, 0), word.format("e", 1, 9000)))
-            self.assert_ends(run("poll", path, "--json", "--heartbeat", "0.09"), 2, "--heartbeat")
+                word.format("t", 1, 160) + 'format = "text"', word.format("s", 2, 0), word.format("e", 1, 9000)
+                + "[[link.station]]\nnumber = 2\ntimeout = 200\nretries = 0"))
             with Poll(path, "--heartbeat", "0.3", page=page) as poll:
                 poll.wait(event="value", name="a", value=23205, state="good")
                 poll.write("h=0x0A0F 0xFFFF")
@@ -481,10 +565,9 @@ class PanelhostTest(unittest.TestCase):
             first = self.link(one.device, 'name = "a"\nkind = "input word"\naddress = 13')
             path = self.file(first.replace('"l"', '"x/l"') + second.replace('"l"', '"x_L"'))
             capture = os.path.join(self.folder.name, "c.d.pcap")
-            result = run("poll", path, "--cycles", "3", "--set", "a=1", "--set", "none=1", "--pcap", capture)
-            self.assert_ends(result, 6, "a = 41359  (good)", "b = 38536  (good)", "2 of 2 values are good.",
-                             "Link x/l, station 1 sent", "Link x_L, station 2 sent",
-                             "a = 1: refused: it is read only", "none=1: refused: there is no variable")
+            result = run("poll", path, "--cycles", "3", "--pcap", capture)
+            self.assert_ends(result, 0, "a = 41359  (good)", "b = 38536  (good)", "2 of 2 values are good.",
+                             "Link x/l, station 1 sent", "Link x_L, station 2 sent")
         captures = {name: {frame[0] for frame in frames_in(os.path.join(self.folder.name, name))}
                     for name in os.listdir(self.folder.name) if name.endswith(".pcap")}
         self.assertEqual(captures, {"c.d-x_l.pcap": {1}, "c.d-x_L-2.pcap": {2}})  # the stations in each
