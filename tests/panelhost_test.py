@@ -92,7 +92,7 @@ class Simulator:
         return self
 
     def __exit__(self, *_):
-        if self.process.poll() is None:
+        if not self.process.stdout.closed:
             self.end()
         self.trace.close()
 
@@ -112,10 +112,9 @@ def settings_of(master):
     """The settings of a terminal at the first request, after which the terminal is gone."""
     select.select([master], [], [], LIMIT)
     _, _, flags, _, speed, *_ = termios.tcgetattr(master)
-    shown = [name for name in ("B9600", "B19200") if speed == getattr(termios, name)]
-    shown += [name for name in ("CSTOPB", "PARODD") if flags & getattr(termios, name)]
     os.close(master)
-    return " ".join(["port:", *shown])
+    return " ".join(["port:", *(name for name in ("B9600", "B19200") if speed == getattr(termios, name)),
+                     *(name for name in ("CSTOPB", "PARODD") if flags & getattr(termios, name))])
 
 
 def files_for(devices, folder):
@@ -132,6 +131,7 @@ def outcome(simulators, command):
     """Runs a row of a table: its exit status, its seconds, and all that was shown, sent and captured."""
     command, _, until = command.partition(" until ")
     command, _, given = command.partition(" < ")
+    count, _, text = until.partition(" x ")
     with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as stack:
         names = {name: os.path.join(folder, name) for name in ("pcap", "link")}
         start = time.monotonic()
@@ -151,21 +151,17 @@ def outcome(simulators, command):
         killer.start()
         shown = settings_of(master) if master else ""
         if given:
-            process.stdin.write(given + "\n")
-            process.stdin.flush()
+            print(given, file=process.stdin, flush=True)
+        while until and shown.count(text) < int(count) and (line := process.stdout.readline()):
+            shown += line
         if until:
-            count, text = until.split(" x ")
-            while shown.count(text) < int(count) and (line := process.stdout.readline()):
-                shown += line
             process.send_signal(signal.SIGINT)
         shown += process.stdout.read() + process.stderr.read()
-        status = process.wait()
+        status, seconds = process.wait(), time.monotonic() - start
         killer.cancel()
-        seconds = time.monotonic() - start
         shown += "".join(plc.end() for plc in plcs)
-        if os.path.exists(names["pcap"]):
-            shown += "".join(f"captured: {frame.hex(' ').upper()}\n" for frame in frames_in(names["pcap"]))
-        return status, seconds, shown
+        frames = frames_in(names["pcap"]) if os.path.exists(names["pcap"]) else []
+        return status, seconds, shown + "".join(f"captured: {frame.hex(' ').upper()}\n" for frame in frames)
 
 
 class Poll:
@@ -298,7 +294,7 @@ class PanelhostTest(unittest.TestCase):
     def test_mbpoll_reads_the_same(self):
         with Simulator("--station", "3") as plc:
             for kind in ("3", "4", "4:hex", "4:int", "3:float", "4:int -B", "4:float -B"):
-                options = f"-a 3 -b 19200 -P none -r 101 -c 3 -t {kind}".split()
+                options = f"-a 3 -b 19200 -P none -r 101 -c 3 -o 9 -t {kind}".split()
                 ours = run("read", plc.device, *options)
                 theirs = subprocess.run(["mbpoll", "-m", "rtu", "-1", "-q", *options, plc.device],
                                         capture_output=True, text=True, timeout=LIMIT)
@@ -315,21 +311,21 @@ class PanelhostTest(unittest.TestCase):
 
     def test_mbpoll_writes_and_reads_what_is_written(self):
         with Simulator("--station", "3") as plc:
-            subprocess.run(["mbpoll", "-m", "rtu", "-a", "3", "-P", "none", "-r", "201", "-q", plc.device,
-                            "4711", "4712"], stdout=subprocess.DEVNULL, check=True, timeout=LIMIT)
-            result = run("read", plc.device, "-a", "3", "-P", "none", "-0", "-r", "200", "-c", "2")
+            subprocess.run([*"mbpoll -m rtu -a 3 -P none -r 201 -o 9 -q".split(), plc.device, "4711", "4712"],
+                           stdout=subprocess.DEVNULL, check=True, timeout=LIMIT)
+            result = run("read", plc.device, "-a", "3", "-P", "none", "-o", "9", "-0", "-r", "200", "-c", "2")
             self.assert_ends(result, 0, "[200]: \t4711\n[201]: \t4712\n")
-            written = run("write", plc.device, "-a", "3", "-P", "none", "-r", "301", "-t", "4:float", "-B", "--",
-                          "-12.5")
+            written = run("write", plc.device, "-a", "3", "-P", "none", "-o", "9", "-r", "301", "-t", "4:float",
+                          "-B", "--", "-12.5")
             self.assert_ends(written, 0, "station 3, register addresses 300 to 301: -12.5\n")
-            theirs = subprocess.run(["mbpoll", "-m", "rtu", "-a", "3", "-P", "none", "-r", "301", "-t", "4:float",
-                                     "-B", "-1", "-q", plc.device], capture_output=True, text=True, timeout=LIMIT)
+            theirs = subprocess.run([*"mbpoll -m rtu -a 3 -P none -r 301 -o 9 -t 4:float -B -1 -q".split(), plc.device],
+                                    capture_output=True, text=True, timeout=LIMIT)
             self.assertIn("[301]: \t-12.5\n", theirs.stdout)
 
     def test_a_slave_that_others_wrote(self):
         slave = PymodbusSlave()
-        where = (slave.device, "-a", "7", "-P", "none", "-o", "2")
-        wait_for(lambda: run("read", *where, "-0", "-r", "0").returncode == 0, "the slave")
+        where = (slave.device, "-a", "7", "-P", "none", "-o", "9")
+        wait_for(lambda: run("read", *where[:-1], ".5", "-0", "-r", "0").returncode == 0, "the slave")
         self.assert_ends(run("read", *where, "7:5", "6:6:s16:2", "1:20.3"), 0,
                          "7:5 = 1005\n6:6:s16:2 = -530 -529\n1:20.3 = 0\n")
         self.assert_ends(run("write", *where, "7:5:u32=305419896", "1:20.3=1", "4:23=9"), 0)
@@ -428,8 +424,7 @@ class PanelhostTest(unittest.TestCase):
                 poll.wait(event="value", name="c", value=5, state="good")
                 self.file("x")
                 poll.process.send_signal(signal.SIGHUP)
-                wait_for(lambda: "not applied" in poll.seen[-1].get("text", "")
-                         or any("not applied" in item.get("text", "") for item in poll.seen), "the refusal")
+                wait_for(lambda: any("not applied" in item.get("text", "") for item in list(poll.seen)), "the refusal")
                 poll.write("b=7")
                 poll.wait(event="write", name="b", value="7", state="done")
                 poll.write("nothing")
@@ -575,7 +570,7 @@ class PanelhostTest(unittest.TestCase):
     def test_capture_and_trace(self):
         capture = os.path.join(self.folder.name, "x.pcap")
         with Simulator("--station", "1", "--fault", "1:exception=6/3") as plc:
-            result = run("write", plc.device, "7:0=258", "7:1=3", "1:4.0=1", "--pcap", capture, "--trace")
+            result = run("write", plc.device, "7:0=258", "7:1=3", "1:4.0=1", "-o", "9", "--pcap", capture, "--trace")
             self.assert_ends(result, 0, "line -> 01 10 00 00 00 01 02 01 02 26 01",
                              "line <- 01 10 00 00 00 01 01 C9", "line == good",
                              "line == exception 6 (slave device busy), will be repeated")
