@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
 
 namespace velko
 {
@@ -55,21 +56,29 @@ bool isAnyOnline(const Snapshot &snapshot)
     });
 }
 
-// Exit status for the values at the end.
+// Exit status for a value that is not good.
+int statusOf(const ValueState &state)
+{
+    const int status = exitStatusOf(state.lastAttempt.kind);
+    return state.freshness == Freshness::NEVER_READ ? std::max<int>(status, EXIT_SILENT) : status;
+}
+
+// Exit status for the values at the end: the worst one.
 int statusOf(const Snapshot &snapshot)
 {
     int status = EXIT_GOOD;
-    for (const ValueRow &row : snapshot.values) {
-        if (row.state.freshness == Freshness::GOOD || !row.variable.isRead())
+    std::set<std::string> closed;
+    for (const LinkRow &link : snapshot.links) {
+        if (link.isOpen)
             continue;
-        const bool isNeverRead = row.state.freshness == Freshness::NEVER_READ;
-        status = std::max(status, isNeverRead ? std::max<int>(
-                                      exitStatusOf(row.state.lastAttempt.kind), EXIT_SILENT)
-                                              : exitStatusOf(row.state.lastAttempt.kind));
+        closed.insert(link.name);
+        status = EXIT_PORT;
     }
-    for (const LinkRow &link : snapshot.links)
-        if (!link.isOpen)
-            return EXIT_PORT;
+    for (const ValueRow &row : snapshot.values) {
+        const bool isGood = row.state.freshness == Freshness::GOOD || !row.variable.isRead();
+        if (!isGood && closed.count(row.link) == 0)
+            status = std::max(status, statusOf(row.state));
+    }
     return status;
 }
 
