@@ -1,10 +1,15 @@
 // Runs tests/cases/communication.loop. tests/cases/README.md describes their language.
 #include "host/core/links/link_file.h"
+#include "host/core/session/snapshot.h"
 #include "host/core/text/hex.h"
+#include "host/views/json_view.h"
+#include "host/views/lines_view.h"
+#include "host/views/plan_report.h"
 #include "tests/loop_under_test.h"
 #include "tests/script.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 using namespace velko;
@@ -94,6 +99,50 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         m_took = Clock::now();
         return QString::number(std::chrono::duration<double, std::milli>(m_took - before).count(),
                                'f', 1);
+    }
+
+    QString makeView(Words &words)
+    {
+        const QString kind = words.text();
+        if (kind == "json")
+            m_view = std::make_unique<JsonView>(milliseconds(words.number()));
+        else
+            m_view = std::make_unique<LinesView>();
+        return QString();
+    }
+
+    /// What the view prints, without spaces that only align, and without the time of day.
+    QString printed(const std::function<void(PollView &)> &step)
+    {
+        testing::internal::CaptureStdout();
+        step(*m_view);
+        return withoutTime(testing::internal::GetCapturedStdout());
+    }
+
+    static QString withoutTime(const std::string &printed)
+    {
+        static const QRegularExpression time(
+            "(,?\"time\":\"[^\"]*\"|\\d\\d:\\d\\d:\\d\\d\\.\\d{3} +)");
+        QStringList lines = QString::fromStdString(printed).remove(time).split('\n');
+        for (QString &line : lines)
+            line = line.simplified();
+        lines.removeAll(QString());
+        return lines.isEmpty() ? "nothing" : lines.join(" / ");
+    }
+
+    /// A line of the plan's report that contains the text.
+    QString planLine(const QString &part) const
+    {
+        for (const std::string &line : planReport(link, RequestPlanner(DRIVER_LIBRARY).plan(link)))
+            if (line.find(part.toStdString()) != std::string::npos)
+                return QString::fromStdString(line).simplified();
+        return "none";
+    }
+
+    void receive(const Event &event) override
+    {
+        LoopUnderTest::receive(event);
+        m_latest = event;
     }
 
     /// The beginnings of the requests since the last count.
@@ -199,6 +248,11 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         {"plug", [this](Words &w) { plc.plug(w.text() == "in"); return QString(); }},
         {"reopen", [this](Words &) { return loop->reopen() ? "closed" : "open"; }},
         {"close", [this](Words &) { loop->close("test"); return QString(); }},
+        {"view", [this](Words &w) { return makeView(w); }},
+        {"show", [this](Words &) { return printed([this](PollView &v) { v.show(snapshotOf(link, *loop)); }); }},
+        {"finish", [this](Words &) { return printed([this](PollView &v) { v.finish(snapshotOf(link, *loop)); }); }},
+        {"report", [this](Words &) { return printed([this](PollView &v) { v.report(m_latest); }); }},
+        {"planLine", [this](Words &w) { return planLine(w.rest()); }},
         {"took", [this](Words &) { return took(); }},
         {"newFrames", [this](Words &) { return newFrames(); }},
         {"remove", [this](Words &w) { return remove(w.text().toStdString()); }},
@@ -234,6 +288,8 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
           {"timeout", "30"},
           {"retries", "1"}}}}; // by table of the file
     Clock::time_point m_took = Clock::now();
+    std::unique_ptr<PollView> m_view;
+    Event m_latest;
     size_t m_seen = 0;                          // requests, when they were counted last
     std::map<QString, QString> m_abbreviations; // by what they stand for
 };

@@ -18,18 +18,6 @@ const Link &checked(const Link &link)
     return link;
 }
 
-// The value must not be older than its state. And the store shows a write before the PLC has it: if
-// one has begun meanwhile, the later state counts.
-ValueRow rowOf(const std::string &link, const Variable &variable, const CommunicationLoop &loop)
-{
-    ValueState state = loop.status().stateOf(variable);
-    const std::string text = state.age ? textOf(variable, loop.value(variable)) : "-";
-    const ValueState later = loop.status().stateOf(variable);
-    if (later.freshness != Freshness::GOOD)
-        state = later;
-    return {link, variable, text, state};
-}
-
 } // namespace
 
 LinkSession::LinkSession(const std::string &libraryFile, const Link &link,
@@ -85,15 +73,7 @@ int LinkSession::write(const std::string &variable, const std::string &text)
 
 Snapshot LinkSession::snapshot() const
 {
-    const std::shared_ptr<const Link> shown = link();
-    const LinkStatus &status = m_loop.status();
-    Snapshot snapshot;
-    snapshot.links.push_back(
-        {shown->name, status.portText(), status.isPortOpen(), status.cycles(), status.stations()});
-    snapshot.values.reserve(shown->variables.size());
-    for (const Variable &variable : shown->variables)
-        snapshot.values.push_back(rowOf(shown->name, variable, m_loop));
-    return snapshot;
+    return snapshotOf(*link(), m_loop);
 }
 
 std::shared_ptr<const Link> LinkSession::link() const

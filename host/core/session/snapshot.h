@@ -1,6 +1,8 @@
 // Values and states of links at one moment.
 #pragma once
 
+#include "host/core/links/link.h"
+#include "host/core/loop/communication_loop.h"
 #include "host/core/status/link_status.h"
 #include "host/core/variables/variable.h"
 
@@ -30,5 +32,9 @@ struct Snapshot {
     std::vector<ValueRow> values;
     std::vector<LinkRow> links;
 };
+
+/// Returns the link's variables as the loop has them at present. A value may be newer than its
+/// state, but not older. Any thread may call.
+Snapshot snapshotOf(const Link &link, const CommunicationLoop &loop);
 
 } // namespace velko
