@@ -202,13 +202,12 @@ void PollCommand::end(PollSession &session) const
     session.stop();
 }
 
-// False if the input ends the program.
+// False if the input ends the program. Lines that came with its end are writes like all others.
 bool PollCommand::handle(const Console::Input &input, PollSession &session, PollView &view)
 {
     const PollView::Typed typed = view.type(input.keys);
-    if (input.isEnd || typed.isEnd)
-        return false;
-    if (input.isStop)
+    const bool isEnd = input.isEnd || typed.isEnd;
+    if (input.isStop && !isEnd)
         stopProcess(session, view);
     if (input.isContinued)
         view.resume();
@@ -217,7 +216,7 @@ bool PollCommand::handle(const Console::Input &input, PollSession &session, Poll
     for (const std::vector<std::string> &lines : {input.lines, typed.lines})
         for (const std::string &line : lines)
             write(line, session, view);
-    return true;
+    return !isEnd;
 }
 
 // The time until the process is continued must not count as a response time.
