@@ -216,7 +216,8 @@ class Runner : public ScriptRunner, DriverUnderTest
         {"cycleDone", &link.cycleDone}, {"reserved0", &link.reserved0},
         {"reserved1", &link.reserved1}, {"hostWord", &link.hostWord},
         {"activeSource", &core.activeSource}, {"writeBurst", &core.writeBurst},
-        {"onceBurst", &core.onceBurst}, {"cycleCount", &core.cycleCount}};
+        {"onceBurst", &core.onceBurst}, {"cycleCount", &core.cycleCount},
+        {"checkedMode", &m_checkedMode}};
 
     const std::map<QString, Action> m_actions = {
         {"link", [this](Words &w) { setLink(w.text()); return QString(); }},
@@ -237,9 +238,9 @@ class Runner : public ScriptRunner, DriverUnderTest
         {"poll", [this](Words &w) {
              return QString::number(driver.AddListReadVar(record(REQUEST_READ, w).get()));
          }},
-        {"write", [this](Words &w) { return queueWrite(w, 0); }},
+        {"write", [this](Words &w) { return queueWrite(w, m_checkedMode); }},
         {"append", [this](Words &w) { return queueWrite(w, 1); }},
-        {"once", [this](Words &w) { return queueOnce(w, 0); }},
+        {"once", [this](Words &w) { return queueOnce(w, m_checkedMode); }},
         {"appendOnce", [this](Words &w) { return queueOnce(w, 1); }},
         {"converted", [this](Words &) { return ranges({*m_once}); }},
         {"convertedRecord", [this](Words &) { return describe(*m_once); }},
@@ -287,6 +288,7 @@ class Runner : public ScriptRunner, DriverUnderTest
 
     std::unique_ptr<RW_VAR> m_once;
     QString m_lastSent;
+    int m_checkedMode = QUEUE_CHECKED;
     ComInfo m_another;
 };
 
