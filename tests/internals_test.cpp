@@ -59,10 +59,8 @@ TEST(Checksums, HexadecimalDigits)
 
 TEST(Kinds, OutsideTheirRange)
 {
-    for (const int kind : {-1, 12, 14}) {
-        EXPECT_EQ(getPlcReg(kind), kind);
-        EXPECT_EQ(getPlcAdd(kind), 0) << kind;
-    }
+    for (const int kind : {-1, 12, 14})
+        EXPECT_EQ(std::make_pair(getPlcReg(kind), getPlcAdd(kind)), std::make_pair(kind, 0));
 }
 
 TEST(ResultCodes, WithoutAPendingFrame)

@@ -108,11 +108,8 @@ int Words::number()
 QByteArray Words::bytes() const
 {
     QByteArray hex;
-    for (const QString &word : m_words) {
-        if (!word.contains('='))
-            hex +=
-                word.section('*', 0, 0).toLatin1().repeated(qMax(1, word.section('*', 1).toInt()));
-    }
+    for (const QString &word : m_words.filter(QRegExp("^[^=]+$")))
+        hex += word.section('*', 0, 0).toLatin1().repeated(qMax(1, word.section('*', 1).toInt()));
     return QByteArray::fromHex(hex);
 }
 
