@@ -143,6 +143,8 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
     {
         LoopUnderTest::receive(event);
         m_latest = event;
+        if (kindOf(event.state) == Event::WRITE)
+            m_reason = QString::fromStdString(event.detail);
     }
 
     /// The beginnings of the requests since the last count.
@@ -248,6 +250,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
         {"plug", [this](Words &w) { plc.plug(w.text() == "in"); return QString(); }},
         {"reopen", [this](Words &) { return loop->reopen() ? "closed" : "open"; }},
         {"close", [this](Words &) { loop->close("test"); return QString(); }},
+        {"reason", [this](Words &) { return m_reason; }},
         {"view", [this](Words &w) { return makeView(w); }},
         {"show", [this](Words &) { return printed([this](PollView &v) { v.show(snapshotOf(link, *loop)); }); }},
         {"finish", [this](Words &) { return printed([this](PollView &v) { v.finish(snapshotOf(link, *loop)); }); }},
@@ -290,6 +293,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
     Clock::time_point m_took = Clock::now();
     std::unique_ptr<PollView> m_view;
     Event m_latest;
+    QString m_reason;                           // of the latest event of a write
     size_t m_seen = 0;                          // requests, when they were counted last
     std::map<QString, QString> m_abbreviations; // by what they stand for
 };

@@ -174,6 +174,22 @@ TEST_F(LoopTest, ThePortComesBackUnderAnotherName)
     }
 }
 
+TEST_F(LoopTest, AReadIsNotCutAfterAnotherStart)
+{
+    add("value", "6:12");
+    start();
+    loop->close("test");
+    {
+        LinkRunner runner(*loop);
+        runner.start(MissingPort::FAIL);
+        runner.requestStop(true);
+        runner.stop();
+        runner.start(MissingPort::FAIL);
+    }
+    Clock::sleepUntil(Clock::now() + 10 * ReadCut::PATIENCE);
+    EXPECT_FALSE(loop->readCut().isDue());
+}
+
 TEST_F(LoopTest, AMissingPortAtTheStartIsReported)
 {
     add("value", "6:12");
