@@ -114,7 +114,7 @@ def settings_of(master):
     select.select([master], [], [], LIMIT)
     _, _, flags, _, speed, *_ = termios.tcgetattr(master)
     os.close(master)
-    return " ".join(["port:", *(name for name in ("B9600", "B19200") if speed == getattr(termios, name)),
+    return " ".join(["port:", *(name for name in ("B38400", "B19200") if speed == getattr(termios, name)),
                      *(name for name in ("CSTOPB", "PARODD") if flags & getattr(termios, name))])
 
 
