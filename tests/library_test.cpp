@@ -115,6 +115,7 @@ TEST(HostHeader, RecordsAreInitializedToZero)
 
 TEST_F(LibraryTest, SetupCalls)
 {
+    driver.SetComInfo(nullptr);
     EXPECT_EQ(driver.QueryFinishFlag(), 1);
     int targets[3];
     driver.FlashLocalRegister(&targets[0], &targets[1], &targets[2]);
