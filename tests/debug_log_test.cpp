@@ -69,10 +69,10 @@ TEST_F(DebugLogTest, OneLinePerMessage)
     EXPECT_EQ(log(), "old\n");
     driver.customMessageHandler(QtDebugMsg, "first");
     EXPECT_PRED2(matches, log(), "@first\n");
-    driver.customMessageHandler(QtWarningMsg, "two\nlines");
+    driver.customMessageHandler(QtWarningMsg, " two\nlines ");
     driver.customMessageHandler(QtCriticalMsg, "");
     driver.customMessageHandler(QtFatalMsg, "caf\xE9"); // Latin-1
-    EXPECT_PRED2(matches, log(), "@first\n@two\nlines\n@\n@caf\u00E9\n");
+    EXPECT_PRED2(matches, log(), "@first\n@ two\nlines \n@\n@caf\u00E9\n");
 }
 
 TEST_F(DebugLogTest, MillisecondsHaveNoLeadingZeros)

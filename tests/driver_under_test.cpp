@@ -31,6 +31,7 @@ DriverUnderTest::DriverUnderTest()
     link.commMode = COMM_DEVICE;
     link.linkId = 9;
     driver.SetComInfo(&link);
+    driver.RegistCallBackFuncIntf([](int, int, int, int) {}, nullptr); // replaced by the next call
     driver.RegistCallBackFuncIntf(onRequestDone, onCommFail);
 }
 
