@@ -7,6 +7,7 @@
 #include "host/core/line/serial_port.h"
 #include "host/core/text/hex.h"
 #include "host/core/trust/open_requests.h"
+#include "host/plc/device_link.h"
 #include "host/plc/simulated_plc.h"
 #include "tests/script.h"
 #include "tests/virtual_plc.h"
@@ -220,13 +221,12 @@ private:
     Clock::time_point m_last;
 };
 
-Exchange readOn(std::unique_ptr<ScriptedPort> port, bool echo)
+Exchange readOn(std::unique_ptr<ScriptedPort> port, bool echo, const LineTaps &taps = {})
 {
     LineSettings settings;
     settings.baudRate = 115200;
     settings.interCharacterTimeout = 20;
     settings.echo = echo;
-    const LineTaps taps;
     OpenRequests open;
     const ReadCut cut;
     SerialLine line(std::move(port), settings, taps, open, cut);
@@ -243,6 +243,27 @@ TEST(Line, EndsExchangeIfLineNeverFallsSilent)
     const std::vector<ScriptedPort::Piece> noise = {{5, frame("01 04 FF").left(3)}, {5, "\x55"}};
     EXPECT_EQ(readOn(std::make_unique<ScriptedPort>(noise, true), false).reply.size(), 7);
     EXPECT_LT(millisecondsSince(start), milliseconds(1500));
+}
+
+// A copy that arrives together with its response is no answer to the next request.
+TEST(Line, BytesBehindTheResponseAreDropped)
+{
+    struct Tap : LineTap {
+        void sent(const std::string &, const QByteArray &, Clock::time_point) override {}
+        void received(const std::string &, const QByteArray &, Clock::time_point) override {}
+        void judged(const std::string &, const std::string &) override {}
+        void dropped(const std::string &, const QByteArray &bytes, Clock::time_point) override
+        {
+            all += bytes;
+        }
+        QByteArray all;
+    } tap;
+    const ReplacedTime time;
+    const QByteArray response = QByteArray::fromHex(RESPONSE_12);
+    readOn(
+        std::make_unique<ScriptedPort>(std::vector<ScriptedPort::Piece>{{3, response + response}}),
+        false, {"", {&tap}});
+    EXPECT_EQ(tap.all, response);
 }
 
 TEST(Line, EchoInPieces)
@@ -336,6 +357,19 @@ TEST(Line, PortsThatCannotBeOpened)
                 << error.what();
         }
     }
+}
+
+TEST(Line, ALinkToADeviceIsRemovedByItsOwner)
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath("plc").toStdString();
+    {
+        auto first = std::make_unique<DeviceLink>(path, "/dev/null");
+        const DeviceLink second(path, "/dev/zero");
+        first.reset();
+        EXPECT_EQ(findPort({path}, {}), "/dev/zero");
+    }
+    EXPECT_EQ(findPort({path}, {}), "");
 }
 
 TEST(Line, NamesAndPatternsOfPorts)

@@ -241,7 +241,7 @@ class LoopRunner : public ScriptRunner, LoopUnderTest
     }
 
     // clang-format off
-    const std::map<QString, int *> m_numbers;
+    const std::map<QString, int *> m_numbers{};
 
     const std::map<QString, Action> m_actions = {
         {"add", [this](Words &w) { return addVariable(w); }},

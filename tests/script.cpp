@@ -84,6 +84,8 @@ QList<Script> scriptsOf(const QString &name)
         } else if (!title.isEmpty()) {
             scripts.append({name, title, {}});
             lines = &scripts.last().lines;
+        } else if (!lines) {
+            ADD_FAILURE() << qPrintable(name) << " does not begin with a title";
         } else if (line.text.startsWith('@')) {
             EXPECT_TRUE(pieces.count(line.text)) << qPrintable(line.text);
             *lines += pieces[line.text];

@@ -177,6 +177,9 @@ TEST(TableInput, Filters)
     input.type("\x1b");
     input.type("");
     EXPECT_EQ(input.filter(), "");
+    input.type("/x\rabc\x1b");
+    input.type("");
+    EXPECT_EQ(input.line() + input.filter(), "x"); // Esc clears the line first
     input.type("/x\x7f\x7f");
     EXPECT_FALSE(input.isFiltering());
     input.type("/x\r/\r");
