@@ -370,10 +370,7 @@ class PanelhostTest(unittest.TestCase):
                     for text in texts:
                         self.assertEqual(text.strip("!") in shown, text[:1] != "!", f"{text} in {shown}")
 
-    def test_exit_statuses(self):
-        self.check_rows([[status, "", *rest] for status, *rest in rows_of("exit_statuses.table")])
-
-    def test_options(self):
+    def test_options_and_exit_statuses(self):
         rows, without_row = [], set()
         for sub in re.findall(r"^  (\w+) ", run("--help").stdout.split("Subcommands:")[1], re.MULTILINE):
             for names in re.findall(r"^  (-\S+)", run(sub, "--help").stdout, re.MULTILINE):
@@ -385,7 +382,7 @@ class PanelhostTest(unittest.TestCase):
             for sub in subs:
                 rows.append([cell.replace("{sub}", sub).replace("{=}", "=9" if sub == "write" else "") for cell in row])
         self.assertEqual(without_row, set())
-        self.check_rows(rows)
+        self.check_rows(rows + [[status, "", *rest] for status, *rest in rows_of("exit_statuses.table")])
 
     def test_plan(self):
         content = self.link(
@@ -411,7 +408,7 @@ class PanelhostTest(unittest.TestCase):
             path = self.file(self.link(plc.device, word.format("a", 0)))
             with Poll(path) as poll:
                 poll.wait(event="value", name="a", value=23205, state="good")
-                plc.set_fault("1:late=700")
+                plc.set_fault("1:late=300")
                 poll.write("a=5")
                 wait_for(lambda: "-> 01 10 00 00 " in plc.traced(), "the write")
                 plc.set_fault("1:none")
@@ -432,7 +429,7 @@ class PanelhostTest(unittest.TestCase):
 
     def test_writes_just_before_the_end_have_a_result(self):
         for late in (False, True):
-            with Simulator("--station", "1", "--fault", "1:late=1000" if late else "1:none") as plc:
+            with Simulator("--station", "1", "--fault", "1:late=400" if late else "1:none") as plc:
                 with Poll(files_for({"plc": plc.device}, self.folder.name)["one"]) as poll:
                     poll.wait(event="port", state="open")
                     if late:  # the second write waits for the response to the first one
@@ -470,7 +467,7 @@ class PanelhostTest(unittest.TestCase):
             path = self.file(self.link(
                 plc.device, word.format("a", 1, 0), word.format("h", 1, 150) + 'format = "hex"\ncount = 2',
                 word.format("t", 1, 160) + 'format = "text"', word.format("s", 2, 0), word.format("e", 1, 9000)
-                + "[[link.station]]\nnumber = 2\ntimeout = 200\nretries = 0"))
+                + "[[link.station]]\nnumber = 2\ntimeout = 100\nretries = 0"))
             with Poll(path, "--heartbeat", "0.3", page=page) as poll:
                 poll.wait(event="value", name="a", value=23205, state="good")
                 poll.write("h=0x0A0F 0xFFFF")
