@@ -15,6 +15,9 @@ TEST_MEMORY = 4 << 30  # bytes of address space: stops faults that allocate in a
 class Scratch:
     """A copy of the working tree with its own build."""
 
+    targets = ()        # what is built before the first fault; all if empty
+    environment = None  # of commands; as that of this program if None
+
     def __init__(self, folder):
         self.folder = pathlib.Path(folder)
         self.build_folder = self.folder / "build/release"
@@ -25,15 +28,15 @@ class Scratch:
 
     def run(self, command, timeout, **options):
         return subprocess.run(command, cwd=self.folder, timeout=timeout, text=True, errors="replace",
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, **options)
+                              env=self.environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, **options)
 
-    def configure(self):
+    def configure(self, *arguments):
         # Warnings must not catch a fault: -w silences them in spite of -Werror. No optimisation, because
         # the build takes more time than the tests.
         return self.run(["cmake", "--preset", "release", "-DCMAKE_CXX_FLAGS=-w",
-                         "-DCMAKE_CXX_FLAGS_RELEASE=-O0 -DNDEBUG"], BUILD_TIMEOUT)
+                         "-DCMAKE_CXX_FLAGS_RELEASE=-O0 -DNDEBUG", *arguments], BUILD_TIMEOUT)
 
-    def build(self, targets=()):
+    def build(self, targets):
         return self.run(["ninja", "-C", str(self.build_folder), *targets], BUILD_TIMEOUT)
 
     def ctest(self, *arguments):
@@ -54,12 +57,12 @@ def stop(message, output):
     raise SystemExit(f"{output[-4000:]}\nplant-faults: {message}")
 
 
-def make_scratches(folder, number):
+def make_scratches(folder, number, kind=Scratch):
     scratches = []
     for index in range(number):
         (folder / str(index)).mkdir()
-        scratches.append(Scratch(folder / str(index)))
-    for step in (Scratch.configure, Scratch.build):
+        scratches.append(kind(folder / str(index)))
+    for step in (kind.configure, lambda scratch: scratch.build(kind.targets)):
         with concurrent.futures.ThreadPoolExecutor(number) as pool:
             for result in pool.map(step, scratches):
                 if result.returncode:

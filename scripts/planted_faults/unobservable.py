@@ -1,9 +1,9 @@
-"""The list of faults that nothing outside the library can observe."""
+"""The list of faults that nothing outside the library or the host can observe."""
 import collections
 import json
 import tomllib
 
-from planted_faults.candidates import source_files
+from planted_faults.candidates import SUBJECTS, find_candidates
 from planted_faults.tree import ROOT
 
 LISTED = "scripts/planted_faults/unobservable.toml"
@@ -22,19 +22,27 @@ def as_entry(fault):
     return "\n".join(["[[fault]]", *lines, 'reason = ""'])
 
 
-def check(candidates, unobservable):
-    for attribute in ("rule", "file"):
-        print(f"candidates by {attribute}:")
-        counts = collections.Counter(getattr(one, attribute) for one in candidates)
-        for name, number in sorted(counts.items()):
-            print(f"  {number:5} {name}")
-    without = sorted(set(source_files()) - {one.file for one in candidates})
-    print("nothing to change in:", *without)
-    known = {fault.key() for fault in candidates}
+def check(unobservable):
+    known = set()
+    for subject in SUBJECTS:
+        candidates = find_candidates(subject)
+        known |= {fault.key() for fault in candidates}
+        show_counts(subject, candidates)
     stale = [key for key in unobservable if key not in known]
     for file, function, was, becomes in stale:
         print(f"no such fault in the source: {file} {function}: `{was}` -> `{becomes}`")
     if stale:
         print(f"plant-faults: {LISTED} does not match the source. Correct or remove these entries.")
-    print(f"{len(candidates)} candidates, {len(unobservable)} of them listed as unobservable")
+    print(f"{len(unobservable)} faults are listed as unobservable")
     return 1 if stale else 0
+
+
+def show_counts(subject, candidates):
+    for attribute in ("rule", "file"):
+        print(f"candidates of the {subject.name} by {attribute}:")
+        counts = collections.Counter(getattr(one, attribute) for one in candidates)
+        for name, number in sorted(counts.items()):
+            print(f"  {number:5} {name}")
+    without = sorted(set(subject.files()) - {one.file for one in candidates})
+    print("nothing to change in:", *without)
+    print(f"{len(candidates)} candidates of the {subject.name}")
