@@ -1,27 +1,34 @@
 """Walks through the code of one file with libclang. The rules are in the classes that derive from Finder."""
+import os
 import re
 
 from planted_faults.fault import Fault
 from planted_faults.tree import ROOT
 
 
+def parse(file, flags):
+    """Returns the code of the file and of what it includes."""
+    import clang.cindex as clang  # imported here, after scripts/setup has installed it
+    with_macros = clang.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD
+    unit = clang.Index.create().parse(file, flags, options=with_macros)
+    errors = [str(one) for one in unit.diagnostics if one.severity >= clang.Diagnostic.Error]
+    if errors:
+        raise SystemExit("plant-faults: libclang cannot read this:\n" + "\n".join(errors))
+    return unit
+
+
 class Finder:
     """The candidates of one file. A derived class adds them in `apply`."""
 
-    def __init__(self, file, flags):
-        import clang.cindex as clang  # imported here, after scripts/setup has installed it
+    def __init__(self, unit, file):
+        import clang.cindex as clang
         self.kinds = clang.CursorKind
         self.record = clang.TypeKind.RECORD
         self.file = file
         self.text = (ROOT / file).read_bytes()
         self.found = {}
-        with_macros = clang.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD
-        unit = clang.Index.create().parse(file, flags, options=with_macros)
-        errors = [str(one) for one in unit.diagnostics if one.severity >= clang.Diagnostic.Error]
-        if errors:
-            raise SystemExit("plant-faults: libclang cannot read this:\n" + "\n".join(errors))
         own = [one for one in unit.cursor.get_children()
-               if one.location.file and one.location.file.name == file]
+               if one.location.file and os.path.normpath(one.location.file.name) == file]
         self.macros = [self.range_of(one) for one in own if one.kind == self.kinds.MACRO_INSTANTIATION]
         self.ancestors = []  # of the visited cursor, outermost first
         for cursor in own:

@@ -96,7 +96,8 @@ def try_fault(fault, scratches, stages_of):
             caught_by = stage.run(scratch)
             if caught_by:
                 return True, caught_by
-        return False, "" if any(stage.names for stage in stages) else "no test runs this line"
+        tests = sum(len(stage.names) for stage in stages)
+        return False, f"{tests} tests passed" if tests else "no test runs this line"
     except DoesNotCompile:
         return None
     except subprocess.TimeoutExpired as error:
