@@ -10,6 +10,7 @@ import threading
 from planted_faults.tree import ROOT
 
 LINES_ABOVE = 20  # in which the beginning of a statement is searched
+MANY_OBJECTS = 20
 
 
 class Coverage:
@@ -18,9 +19,11 @@ class Coverage:
     def __init__(self, folder):
         self.folder = pathlib.Path(folder)
         self.scratches = {}  # by test: where it ran
-        self.objects = {}    # by file: the objects that contain its code
-        self.by_file = {}    # by file: see read
-        self.by_profile = {}
+        self.objects = {}    # by file: the objects that are built from it, with or without others
+        self.sources = {}    # by object
+        self.by_file = {}    # see lines_run
+        self.by_profile = {}  # {file: {line: count}}
+        self.code = {}       # by object: the files that its code comes from
         self.lock = threading.Lock()
 
     def note_objects(self, scratch):
@@ -32,6 +35,7 @@ class Coverage:
                 built = line.partition(":")[0]
                 continue
             file = os.path.relpath(scratch.build_folder / line.strip(), scratch.folder)
+            self.sources.setdefault(built, file)  # it comes first, before what it includes
             self.objects.setdefault(file, set()).add(built)
         for note in scratch.build_folder.rglob("*.gcno"):
             copy = self.notes_of(scratch) / note.relative_to(scratch.build_folder)
@@ -50,12 +54,8 @@ class Coverage:
         return self.folder / "profiles" / hashlib.sha1(test.encode()).hexdigest()
 
     def tests_of(self, fault):
-        """Returns the tests that run a line of the fault; None if that cannot be said, because the line contains
-        no code that runs."""
-        with self.lock:
-            if fault.file not in self.by_file:
-                self.by_file[fault.file] = self.read(fault.file)
-        counted, run = self.by_file[fault.file]
+        """Returns the tests that can notice the fault; None for all tests."""
+        counted, run = self.lines_run(fault.file)
         last = fault.line + (ROOT / fault.file).read_bytes()[fault.start:fault.end].count(b"\n")
         lines = set(range(fault.line, last + 1)) & counted
         if not lines and fault.function:
@@ -63,11 +63,25 @@ class Coverage:
             lines = {max(above)} if above else set()
         if lines:
             return {test for test, some in run.items() if some & lines}
-        any_line = {test for test, some in run.items() if some}
-        return any_line or None
+        return self.tests_with(fault.file)
+
+    def tests_with(self, file):
+        """Returns the tests that run anything of a file, or of the files that include a header: for a constant or
+        an initial value. None for all tests."""
+        objects = self.objects_of(file)
+        if file.endswith(".h") and not 0 < len(objects) <= MANY_OBJECTS:
+            return None
+        files = {file, *(self.sources[one] for one in objects)}
+        return {test for one in files for test, some in self.lines_run(one)[1].items() if some}
+
+    def lines_run(self, file):
+        """Returns the lines that contain code, and the lines that each test runs."""
+        with self.lock:
+            if file not in self.by_file:
+                self.by_file[file] = self.read(file)
+        return self.by_file[file]
 
     def read(self, file):
-        """Returns the lines that contain code, and the lines that each test runs."""
         counted, run = set(), {}
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
             for test, some in zip(self.scratches, pool.map(lambda test: self.lines_of(test, file), self.scratches)):
@@ -84,7 +98,8 @@ class Coverage:
         for name in self.objects_of(file):
             stem = name.removesuffix(".o")
             profile = root / f"{stem}.gcda"
-            if not profile.is_file():
+            code = self.code.setdefault((scratch.folder, name), set())
+            if code and file not in code or not profile.is_file():
                 continue
             # Many tests run nothing of an object; their profiles of it are the same.
             key = scratch.folder, name, hashlib.sha1(profile.read_bytes()).digest()
@@ -93,6 +108,7 @@ class Coverage:
                 if not note.exists():
                     note.symlink_to(self.notes_of(scratch) / f"{stem}.gcno")
                 self.by_profile[key] = self.counts(profile, scratch)
+                code.update(self.by_profile[key])
             found.append(self.by_profile[key].get(file, {}))
         return found
 
@@ -103,7 +119,8 @@ class Coverage:
                                 str(scratch.folder), str(profile)], capture_output=True, text=True)
         counts = {}
         for one in json.loads(shown.stdout or '{"files": []}')["files"]:
-            lines = counts.setdefault(one["file"], {})
+            path = scratch.build_folder / one["file"]  # absolute, or from the folder of the build
+            lines = counts.setdefault(os.path.relpath(path, scratch.folder), {})
             for line in one["lines"]:
                 number = line["line_number"]
                 lines[number] = lines.get(number, 0) + line["count"]

@@ -57,7 +57,7 @@ def default_value(finder, cursor):
     value = finder.unwrapped(values[-1])
     constant = value.referenced
     is_first = constant and constant.kind == finder.kinds.ENUM_CONSTANT_DECL and constant.enum_value == 0
-    if not is_first and not is_no_value(finder, value):
+    if not is_first and not is_no_value(finder, value) and not finder.text_of(value).startswith("="):
         finder.add("dropped assignment", finder.range_of(values[-1]), "{}")
 
 
